@@ -1,0 +1,23 @@
+#pragma once
+#include <string>
+
+// A fresh temporary folder, removed with everything in it when the object goes.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return m_path; }
+    // Paths are relative to the folder; parents are created as needed. Returns the full path.
+    std::string createFile(const std::string& relative, const std::string& content = {});
+    std::string createDir(const std::string& relative);
+    std::string file(const std::string& relative) const { return m_path + "/" + relative; }
+
+private:
+    std::string m_path;
+};
+
+std::string ReadWholeFile(const std::string& path);
+bool FileExists(const std::string& path);
