@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class ISensorObject;
 class VEXASensorObject;
@@ -51,6 +52,13 @@ private:
 void PrintError(const CliContext& ctx, const std::string& what, int error, const std::wstring& detail = {});
 std::string Narrow(const std::wstring& text);
 std::wstring Widen(const std::string& text);
+
+// A host operand: "HOST", "@HOST" or "@HOST:" all name the same instrument.
+std::wstring HostOperand(const std::string& text);
+
+using AddCommand = void (*)(CLI::App& app, CliContext& ctx);
+// Every command of the tool, in the order the help lists them.
+std::vector<AddCommand> CliCommands();
 
 void AddPingCommand(CLI::App& app, CliContext& ctx);
 void AddNextNameCommand(CLI::App& app, CliContext& ctx);

@@ -1,1 +1,31 @@
-int main() { return 0; }
+// vexa: the instrument's files and status from a terminal, through the module's own back ends.
+#include "cli.h"
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    CliContext ctx;
+    CLI::App app{"vexa - work with a VEXARON instrument from a terminal.\n"
+                 "Remote files are named @HOST:/PATH, e.g. @10.0.0.5:/Data/run1.vxs.\n"
+                 "Exit codes: 0 success, 1 the operation failed, 2 usage, 3 the instrument could not be reached."};
+    app.set_help_all_flag("--help-all", "Show the help of every command");
+    app.add_flag("--json", ctx.options.json, "Print machine-readable results");
+    app.add_flag("-q,--quiet", ctx.options.quiet, "Print nothing but results and errors");
+    app.add_flag("-v,--verbose", ctx.options.verbose, "Say more about what happens");
+    app.require_subcommand(1);
+
+    for (auto add : CliCommands())
+        add(app, ctx);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        app.exit(e);
+        return kExitUsage;
+    }
+    return ctx.exitCode;
+}

@@ -1,1 +1,11 @@
-// placeholder
+#include "dialoglauncher.h"
+
+#include <atomic>
+
+namespace {
+std::atomic<IVexaDialogLauncher*> g_launcher{nullptr};
+}
+
+void SetVexaDialogLauncher(IVexaDialogLauncher* launcher) { g_launcher.store(launcher); }
+
+IVexaDialogLauncher* VexaDialogLauncher() { return g_launcher.load(); }
