@@ -1,6 +1,5 @@
 #include "stringtable.h"
 
-#include "pxresource.h"
 #include "resource.h"
 
 namespace {
@@ -8,7 +7,7 @@ namespace {
 // Texts stand exactly as the product shows them, oddities included ("make take", the uneven blanks of
 // the last data filter). The status texts (1034x-1035x) and the program messages (1036x) are this
 // module's own additions.
-const VexaStringEntry kStrings[] = {
+const PXStringEntry kStrings[] = {
     {IDS_DELETE_ONE, L"Are you sure you want to delete \"%1!s!\" on the %2!s!?\r\n\r\n"},
     {IDS_DELETE_FILES, L"Are you sure you want to delete the %1!d! files you selected on the %2!s!?\r\n\r\n"},
     {IDS_DELETE_FOLDERS,
@@ -134,8 +133,22 @@ const VexaStringEntry kStrings[] = {
 
 } // namespace
 
-const VexaStringEntry* VexaStringTable(std::size_t* count) {
+const void* VexaResourceModule() {
+    return kStrings;
+}
+
+const PXStringEntry* VexaStringTable(std::size_t* count) {
     if (count != nullptr)
         *count = sizeof kStrings / sizeof kStrings[0];
     return kStrings;
+}
+
+void RegisterVexaStrings() {
+    std::size_t count = 0;
+    const PXStringEntry* entries = VexaStringTable(&count);
+    PXRegisterStringTable(VexaResourceModule(), entries, count);
+}
+
+void UnregisterVexaStrings() {
+    PXUnregisterStringTable(VexaResourceModule());
 }
