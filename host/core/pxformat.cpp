@@ -1,1 +1,465 @@
-// placeholder
+#include "pxformat.h"
+
+#include "text.h"
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cwchar>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+enum class Length { None, HH, H, L, LL, LongDouble, Size, IntMax, PtrDiff, I32 };
+
+// One conversion: %[flags][width][.precision][length]conv. Width and precision are -1 when absent
+// and -2 when given as '*' (taken from the arguments).
+struct ConversionSpec {
+    std::string flags;
+    int width = -1;
+    int precision = -1;
+    Length length = Length::None;
+    wchar_t conv = 0;
+};
+
+// Parses the part after '%' at `pos`; returns false (pos untouched) when the text is no conversion.
+bool ParseSpec(const wchar_t* format, size_t& pos, ConversionSpec& spec) {
+    size_t p = pos;
+    while (format[p] == L'-' || format[p] == L'+' || format[p] == L' ' || format[p] == L'0' ||
+           format[p] == L'#') {
+        spec.flags += static_cast<char>(format[p]);
+        ++p;
+    }
+    if (format[p] == L'*') {
+        spec.width = -2;
+        ++p;
+    } else if (format[p] >= L'0' && format[p] <= L'9') {
+        int width = 0;
+        while (format[p] >= L'0' && format[p] <= L'9') {
+            width = width < 100000 ? width * 10 + (format[p] - L'0') : width;
+            ++p;
+        }
+        spec.width = width;
+    }
+    if (format[p] == L'.') {
+        ++p;
+        if (format[p] == L'*') {
+            spec.precision = -2;
+            ++p;
+        } else {
+            int precision = 0;
+            while (format[p] >= L'0' && format[p] <= L'9') {
+                precision = precision < 100000 ? precision * 10 + (format[p] - L'0') : precision;
+                ++p;
+            }
+            spec.precision = precision;
+        }
+    }
+    switch (format[p]) {
+    case L'h':
+        ++p;
+        spec.length = Length::H;
+        if (format[p] == L'h') {
+            spec.length = Length::HH;
+            ++p;
+        }
+        break;
+    case L'l':
+    case L'w':
+        ++p;
+        spec.length = Length::L;
+        if (format[p - 1] == L'l' && format[p] == L'l') {
+            spec.length = Length::LL;
+            ++p;
+        }
+        break;
+    case L'L':
+        ++p;
+        spec.length = Length::LongDouble;
+        break;
+    case L'z':
+        ++p;
+        spec.length = Length::Size;
+        break;
+    case L'j':
+        ++p;
+        spec.length = Length::IntMax;
+        break;
+    case L't':
+        ++p;
+        spec.length = Length::PtrDiff;
+        break;
+    case L'I':
+        ++p;
+        if (format[p] == L'6' && format[p + 1] == L'4') {
+            spec.length = Length::LL;
+            p += 2;
+        } else if (format[p] == L'3' && format[p + 1] == L'2') {
+            spec.length = Length::I32;
+            p += 2;
+        } else {
+            spec.length = Length::Size;
+        }
+        break;
+    default:
+        break;
+    }
+    switch (format[p]) {
+    case L'd':
+    case L'i':
+    case L'u':
+    case L'x':
+    case L'X':
+    case L'o':
+    case L'f':
+    case L'F':
+    case L'e':
+    case L'E':
+    case L'g':
+    case L'G':
+    case L'a':
+    case L'A':
+    case L'c':
+    case L'C':
+    case L's':
+    case L'S':
+    case L'p':
+    case L'n':
+        spec.conv = format[p];
+        pos = p + 1;
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsSigned(wchar_t conv) {
+    return conv == L'd' || conv == L'i';
+}
+bool IsUnsigned(wchar_t conv) {
+    return conv == L'u' || conv == L'x' || conv == L'X' || conv == L'o';
+}
+bool IsFloat(wchar_t conv) {
+    return conv == L'f' || conv == L'F' || conv == L'e' || conv == L'E' || conv == L'g' || conv == L'G' ||
+           conv == L'a' || conv == L'A';
+}
+// In the wide printf family %s/%c take wide text unless 'h' says narrow; %S/%C the other way round.
+bool IsWideText(const ConversionSpec& spec) {
+    if (spec.conv == L's' || spec.conv == L'c')
+        return spec.length != Length::H && spec.length != Length::HH;
+    return spec.length == Length::L;
+}
+
+// One argument taken from the list, whatever its kind.
+struct ArgValue {
+    long long i = 0;
+    unsigned long long u = 0;
+    long double ld = 0;
+    double d = 0;
+    const void* ptr = nullptr;
+};
+
+// Takes the argument a conversion needs, with the type the caller passed.
+ArgValue FetchArg(const ConversionSpec& spec, va_list& args) {
+    ArgValue v;
+    if (IsSigned(spec.conv)) {
+        switch (spec.length) {
+        case Length::HH:
+            v.i = static_cast<signed char>(va_arg(args, int));
+            break;
+        case Length::H:
+            v.i = static_cast<short>(va_arg(args, int));
+            break;
+        case Length::L:
+            v.i = va_arg(args, long);
+            break;
+        case Length::LL:
+            v.i = va_arg(args, long long);
+            break;
+        case Length::Size:
+        case Length::PtrDiff:
+            v.i = va_arg(args, ptrdiff_t);
+            break;
+        case Length::IntMax:
+            v.i = va_arg(args, intmax_t);
+            break;
+        default:
+            v.i = va_arg(args, int);
+            break;
+        }
+    } else if (IsUnsigned(spec.conv)) {
+        switch (spec.length) {
+        case Length::HH:
+            v.u = static_cast<unsigned char>(va_arg(args, unsigned));
+            break;
+        case Length::H:
+            v.u = static_cast<unsigned short>(va_arg(args, unsigned));
+            break;
+        case Length::L:
+            v.u = va_arg(args, unsigned long);
+            break;
+        case Length::LL:
+            v.u = va_arg(args, unsigned long long);
+            break;
+        case Length::Size:
+        case Length::PtrDiff:
+            v.u = va_arg(args, size_t);
+            break;
+        case Length::IntMax:
+            v.u = va_arg(args, uintmax_t);
+            break;
+        default:
+            v.u = va_arg(args, unsigned);
+            break;
+        }
+    } else if (IsFloat(spec.conv)) {
+        if (spec.length == Length::LongDouble)
+            v.ld = va_arg(args, long double);
+        else
+            v.d = va_arg(args, double);
+    } else if (spec.conv == L'c' || spec.conv == L'C') {
+        v.u = static_cast<unsigned>(va_arg(args, int));
+    } else {
+        v.ptr = va_arg(args, const void*);
+    }
+    return v;
+}
+
+void AppendNarrow(std::wstring& out, const std::string& text) {
+    for (char c : text)
+        out += static_cast<wchar_t>(static_cast<unsigned char>(c));
+}
+
+void AppendPadded(std::wstring& out, const std::wstring& text, const ConversionSpec& spec) {
+    const size_t width = spec.width > 0 ? static_cast<size_t>(spec.width) : 0;
+    const bool left = spec.flags.find('-') != std::string::npos;
+    if (!left && text.size() < width)
+        out.append(width - text.size(), L' ');
+    out += text;
+    if (left && text.size() < width)
+        out.append(width - text.size(), L' ');
+}
+
+std::string RunSnprintf(const std::string& format, auto... value) {
+    char buffer[128];
+    const int n = std::snprintf(buffer, sizeof buffer, format.c_str(), value...);
+    if (n < 0)
+        return {};
+    if (static_cast<size_t>(n) < sizeof buffer)
+        return std::string(buffer, static_cast<size_t>(n));
+    std::string big(static_cast<size_t>(n) + 1, '\0');
+    std::snprintf(big.data(), big.size(), format.c_str(), value...);
+    big.resize(static_cast<size_t>(n));
+    return big;
+}
+
+// Appends one conversion with resolved width and precision (-1 when absent).
+void AppendConversion(std::wstring& out, const ConversionSpec& spec, const ArgValue& v) {
+    if (spec.conv == L'n')
+        return; // writing back a count is never wanted from a format text
+    if (spec.conv == L's' || spec.conv == L'S') {
+        std::wstring text;
+        if (v.ptr == nullptr) {
+            text = L"(null)";
+        } else if (IsWideText(spec)) {
+            const auto* s = static_cast<const wchar_t*>(v.ptr);
+            size_t len = 0;
+            while (s[len] != 0 && (spec.precision < 0 || len < static_cast<size_t>(spec.precision)))
+                ++len;
+            text.assign(s, len);
+        } else {
+            const auto* s = static_cast<const char*>(v.ptr);
+            text = FromUtf8(s);
+            if (spec.precision >= 0 && text.size() > static_cast<size_t>(spec.precision))
+                text.resize(static_cast<size_t>(spec.precision));
+        }
+        AppendPadded(out, text, spec);
+        return;
+    }
+    if (spec.conv == L'c' || spec.conv == L'C') {
+        wchar_t c = IsWideText(spec) ? static_cast<wchar_t>(v.u)
+                                     : static_cast<wchar_t>(static_cast<unsigned char>(v.u));
+        AppendPadded(out, std::wstring(1, c), spec);
+        return;
+    }
+    std::string narrow = "%" + spec.flags;
+    if (spec.width >= 0)
+        narrow += std::to_string(spec.width);
+    if (spec.precision >= 0)
+        narrow += "." + std::to_string(spec.precision);
+    if (IsSigned(spec.conv)) {
+        AppendNarrow(out, RunSnprintf(narrow + "lld", v.i));
+    } else if (IsUnsigned(spec.conv)) {
+        AppendNarrow(out, RunSnprintf(narrow + "ll" + static_cast<char>(spec.conv), v.u));
+    } else if (IsFloat(spec.conv)) {
+        if (spec.length == Length::LongDouble)
+            AppendNarrow(out, RunSnprintf(narrow + "L" + static_cast<char>(spec.conv), v.ld));
+        else
+            AppendNarrow(out, RunSnprintf(narrow + static_cast<char>(spec.conv), v.d));
+    } else if (spec.conv == L'p') {
+        AppendNarrow(out, RunSnprintf(narrow + "p", v.ptr));
+    }
+}
+
+// A '*' width or precision from the arguments; a negative width means left-justified and a negative
+// precision means none, as in printf.
+void ResolveStars(ConversionSpec& spec, va_list& args) {
+    if (spec.width == -2) {
+        int width = va_arg(args, int);
+        if (width < 0) {
+            spec.flags += '-';
+            width = width == INT32_MIN ? INT32_MAX : -width;
+        }
+        spec.width = width;
+    }
+    if (spec.precision == -2) {
+        const int precision = va_arg(args, int);
+        spec.precision = precision < 0 ? -1 : precision;
+    }
+}
+
+std::wstring FormatList(const wchar_t* format, va_list& args) {
+    std::wstring out;
+    if (format == nullptr)
+        return out;
+    size_t pos = 0;
+    while (format[pos] != 0) {
+        const wchar_t c = format[pos++];
+        if (c != L'%') {
+            out += c;
+            continue;
+        }
+        if (format[pos] == L'%') {
+            out += L'%';
+            ++pos;
+            continue;
+        }
+        ConversionSpec spec;
+        const size_t start = pos;
+        if (!ParseSpec(format, pos, spec)) {
+            // Not a conversion: keep the text as it stands.
+            out += L'%';
+            pos = start;
+            continue;
+        }
+        ResolveStars(spec, args);
+        AppendConversion(out, spec, FetchArg(spec, args));
+    }
+    return out;
+}
+
+// One insert of a message text: its argument number and its printf form ("s" when none is given).
+struct Insert {
+    int number = 0;
+    ConversionSpec spec;
+};
+
+// Parses "%<n>" and an optional "!spec!" after the '%' at `pos`; false when the text is no insert.
+bool ParseInsert(const wchar_t* format, size_t& pos, Insert& insert) {
+    size_t p = pos;
+    if (format[p] < L'1' || format[p] > L'9')
+        return false;
+    int number = format[p++] - L'0';
+    if (format[p] >= L'0' && format[p] <= L'9')
+        number = number * 10 + (format[p++] - L'0');
+    insert.number = number;
+    insert.spec = ConversionSpec{};
+    insert.spec.conv = L's';
+    if (format[p] == L'!') {
+        size_t q = p + 1;
+        ConversionSpec spec;
+        // Argument-taken widths are not supported inside inserts; such an insert stays literal text.
+        if (ParseSpec(format, q, spec) && format[q] == L'!' && spec.width != -2 && spec.precision != -2) {
+            insert.spec = spec;
+            p = q + 1;
+        }
+    }
+    pos = p;
+    return true;
+}
+
+} // namespace
+
+std::wstring PXFormat(const wchar_t* format, ...) {
+    va_list args;
+    va_start(args, format);
+    std::wstring out = FormatList(format, args);
+    va_end(args);
+    return out;
+}
+
+std::wstring PXFormatMessage(const wchar_t* format, ...) {
+    if (format == nullptr)
+        return {};
+    // First pass: the highest insert number and each number's argument type, so the arguments can be
+    // taken from the list in number order.
+    std::map<int, ConversionSpec> types;
+    for (size_t pos = 0; format[pos] != 0;) {
+        if (format[pos++] != L'%')
+            continue;
+        Insert insert;
+        if (ParseInsert(format, pos, insert))
+            types.emplace(insert.number, insert.spec);
+        else if (format[pos] != 0)
+            ++pos;
+    }
+    std::vector<ArgValue> values;
+    va_list args;
+    va_start(args, format);
+    const int highest = types.empty() ? 0 : types.rbegin()->first;
+    for (int n = 1; n <= highest; ++n) {
+        auto it = types.find(n);
+        if (it != types.end()) {
+            values.push_back(FetchArg(it->second, args));
+        } else {
+            // A number the text never uses: its type is unknown; take one pointer-sized slot.
+            ConversionSpec unused;
+            unused.conv = L'p';
+            values.push_back(FetchArg(unused, args));
+        }
+    }
+    va_end(args);
+
+    std::wstring out;
+    for (size_t pos = 0; format[pos] != 0;) {
+        const wchar_t c = format[pos++];
+        if (c != L'%') {
+            out += c;
+            continue;
+        }
+        const wchar_t next = format[pos];
+        Insert insert;
+        if (ParseInsert(format, pos, insert)) {
+            AppendConversion(out, insert.spec, values[static_cast<size_t>(insert.number - 1)]);
+            continue;
+        }
+        switch (next) {
+        case 0:
+            out += L'%';
+            break;
+        case L'0':
+            return out; // ends the message
+        case L'n':
+            out += L'\n';
+            ++pos;
+            break;
+        case L't':
+            out += L'\t';
+            ++pos;
+            break;
+        case L'r':
+            out += L'\r';
+            ++pos;
+            break;
+        default:
+            // "%%", "%!", "%." and "% " stand for the character itself.
+            out += next;
+            ++pos;
+            break;
+        }
+    }
+    return out;
+}

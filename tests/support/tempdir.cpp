@@ -1,1 +1,55 @@
-// placeholder
+#include "tempdir.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir() {
+    std::string base = "/tmp";
+    if (const char* env = std::getenv("TMPDIR"); env && *env)
+        base = env;
+    std::string templ = base + "/vexa-test-XXXXXX";
+    std::vector<char> buffer(templ.begin(), templ.end());
+    buffer.push_back('\0');
+    if (mkdtemp(buffer.data()) == nullptr)
+        throw std::runtime_error("cannot create a temporary folder under " + base);
+    m_path = buffer.data();
+}
+
+TempDir::~TempDir() {
+    std::error_code ec;
+    fs::remove_all(m_path, ec);
+}
+
+std::string TempDir::createFile(const std::string& relative, const std::string& content) {
+    const fs::path full = fs::path(m_path) / relative;
+    fs::create_directories(full.parent_path());
+    std::ofstream out(full, std::ios::binary | std::ios::trunc);
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    return full.string();
+}
+
+std::string TempDir::createDir(const std::string& relative) {
+    const fs::path full = fs::path(m_path) / relative;
+    fs::create_directories(full);
+    return full.string();
+}
+
+std::string ReadWholeFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+bool FileExists(const std::string& path) {
+    std::error_code ec;
+    return fs::exists(path, ec);
+}
