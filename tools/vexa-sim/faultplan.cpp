@@ -1,0 +1,68 @@
+#include "faultplan.h"
+
+#include <charconv>
+
+namespace {
+
+template <typename Number> bool ParseNumber(const std::string& text, Number* value) {
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, *value);
+    return !text.empty() && result.ec == std::errc() && result.ptr == end;
+}
+
+} // namespace
+
+bool FaultPlan::Add(const std::string& spec, std::string* problem) {
+    const std::size_t equals = spec.find('=');
+    const std::string name = spec.substr(0, equals);
+    const std::string value = equals == std::string::npos ? std::string() : spec.substr(equals + 1);
+    const bool hasValue = equals != std::string::npos;
+
+    if (name == "oversize" && !hasValue) {
+        oversize = true;
+        return true;
+    }
+    std::size_t count = 0;
+    if (!hasValue || !ParseNumber(value, &count)) {
+        *problem = "unknown or malformed fault \"" + spec + "\"";
+        return false;
+    }
+    if (name == "stall-after") {
+        stallAfterBytes = count;
+    } else if (name == "trickle" && count <= 60000) {
+        trickleMilliseconds = static_cast<unsigned>(count);
+    } else if (name == "close-mid-frame") {
+        closeMidFrameBytes = count;
+    } else if (name == "reply-status" && count <= UINT32_MAX) {
+        replyStatus = static_cast<std::uint32_t>(count);
+    } else if (name == "drop-after-frames") {
+        dropAfterFrames = count;
+    } else {
+        *problem = "unknown or malformed fault \"" + spec + "\"";
+        return false;
+    }
+    return true;
+}
+
+bool FaultPlan::empty() const {
+    return !stallAfterBytes && !trickleMilliseconds && !closeMidFrameBytes && !oversize && !replyStatus &&
+           !dropAfterFrames;
+}
+
+std::string FaultPlan::Describe() const {
+    std::string text;
+    auto add = [&text](const std::string& item) { text += (text.empty() ? "" : " ") + item; };
+    if (stallAfterBytes)
+        add("stall-after=" + std::to_string(*stallAfterBytes));
+    if (trickleMilliseconds)
+        add("trickle=" + std::to_string(*trickleMilliseconds));
+    if (closeMidFrameBytes)
+        add("close-mid-frame=" + std::to_string(*closeMidFrameBytes));
+    if (oversize)
+        add("oversize");
+    if (replyStatus)
+        add("reply-status=" + std::to_string(*replyStatus));
+    if (dropAfterFrames)
+        add("drop-after-frames=" + std::to_string(*dropAfterFrames));
+    return text;
+}

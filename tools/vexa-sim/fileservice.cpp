@@ -1,0 +1,270 @@
+#include "fileservice.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <limits>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include "byteorder.h"
+#include "directoryrecord.h"
+#include "pathconfinement.h"
+#include "pendingupload.h"
+#include "simrequest.h"
+#include "wireconstants.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kUploadPrefix = ".vexa-sim-upload.";
+constexpr std::size_t kRecordsPerFrame = wire::kMaxPayload / wire::kRecordSize;
+
+bool Reply(const FileService::FrameOutput& out, std::uint32_t id, std::uint32_t status,
+           const std::string& message = {}) {
+    return out(FrameCodec::MakeReply(id, status, message));
+}
+
+bool ReplyErrno(const FileService::FrameOutput& out, std::uint32_t id, int error, const std::string& what) {
+    return Reply(out, id, static_cast<std::uint32_t>(error), what + ": " + std::strerror(error));
+}
+
+// Closes a file descriptor when it goes out of scope.
+struct FileCloser {
+    int fd;
+    ~FileCloser() {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
+
+// Reads up to `limit` bytes (fewer only at the end of the file); false on a read error.
+bool ReadChunk(int fd, std::size_t limit, std::vector<std::uint8_t>* chunk) {
+    chunk->resize(limit);
+    std::size_t filled = 0;
+    while (filled < limit) {
+        const ssize_t got = ::read(fd, chunk->data() + filled, limit - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return false;
+        if (got == 0)
+            break;
+        filled += static_cast<std::size_t>(got);
+    }
+    chunk->resize(filled);
+    return true;
+}
+
+} // namespace
+
+FileService::FileService(const PathConfinement& paths, bool compress)
+    : m_paths(paths), m_compress(compress) {}
+
+bool FileService::CompressIfSmaller(std::vector<std::uint8_t>& payload) {
+    if (payload.empty())
+        return false;
+    uLongf packedSize = compressBound(static_cast<uLong>(payload.size()));
+    std::vector<std::uint8_t> packed(packedSize);
+    if (compress2(packed.data(), &packedSize, payload.data(), static_cast<uLong>(payload.size()),
+                  Z_DEFAULT_COMPRESSION) != Z_OK ||
+        packedSize >= payload.size())
+        return false;
+    packed.resize(packedSize);
+    payload = std::move(packed);
+    return true;
+}
+
+bool FileService::List(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved folder = m_paths.Resolve(request.first);
+    if (!folder.ok())
+        return Reply(out, request.id, folder.status, folder.message);
+    std::error_code error;
+    const fs::file_status status = fs::status(folder.real, error);
+    if (!fs::exists(status))
+        return Reply(out, request.id, wire::kStatusNotFound, "no such folder: " + folder.instrumentPath);
+    if (!fs::is_directory(status))
+        return Reply(out, request.id, wire::kStatusNotFolder, "not a folder: " + folder.instrumentPath);
+
+    const bool showHidden = (request.flags & wire::kFlagListingOption) != 0;
+    std::vector<DirectoryRecord> records;
+    fs::directory_iterator entries(folder.real, error);
+    if (error)
+        return ReplyErrno(out, request.id, error.value(), "cannot list " + folder.instrumentPath);
+    for (const fs::directory_entry& entry : entries) {
+        const std::string name = entry.path().filename().native();
+        if (name.rfind(kUploadPrefix, 0) == 0 || (name.front() == '.' && !showHidden))
+            continue;
+        // Links that lead out of the served folder are not part of the instrument.
+        std::error_code ignored;
+        if (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored)
+            continue;
+        if (std::optional<DirectoryRecord> record = DirectoryRecord::FromPath(entry.path(), name))
+            records.push_back(std::move(*record));
+    }
+    std::sort(records.begin(), records.end(),
+              [](const DirectoryRecord& a, const DirectoryRecord& b) { return a.name < b.name; });
+    if (!folder.isRoot)
+        records.insert(records.begin(), DirectoryRecord::ParentEntry());
+
+    // An empty listing is still one (empty) data frame.
+    std::size_t next = 0;
+    do {
+        const std::size_t end = std::min(records.size(), next + kRecordsPerFrame);
+        std::vector<std::uint8_t> payload;
+        payload.reserve((end - next) * wire::kRecordSize);
+        for (std::size_t i = next; i < end; ++i)
+            records[i].AppendTo(payload);
+        next = end;
+        const std::uint16_t flags = wire::kFlagListing | (next < records.size() ? wire::kFlagMore : 0);
+        if (!out(FrameCodec::MakeData(request.id, flags, std::move(payload))))
+            return false;
+    } while (next < records.size());
+    return true;
+}
+
+bool FileService::Read(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved file = m_paths.Resolve(request.first);
+    if (!file.ok())
+        return Reply(out, request.id, file.status, file.message);
+    const int fd = ::open(file.real.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        const int error = errno;
+        if (error == ENOENT)
+            return Reply(out, request.id, wire::kStatusNotFound, "no such file: " + file.instrumentPath);
+        return ReplyErrno(out, request.id, error, "cannot open " + file.instrumentPath);
+    }
+    FileCloser closer{fd};
+    struct stat info {};
+    if (::fstat(fd, &info) != 0)
+        return ReplyErrno(out, request.id, errno, "cannot open " + file.instrumentPath);
+    if (S_ISDIR(info.st_mode))
+        return Reply(out, request.id, wire::kStatusIsFolder, "a folder, not a file: " + file.instrumentPath);
+    if (static_cast<unsigned long long>(info.st_size) > std::numeric_limits<std::uint32_t>::max())
+        return Reply(out, request.id, wire::kStatusTooLarge, "file too large: " + file.instrumentPath);
+
+    // Read one chunk ahead, so the last frame is known when it is sent.
+    std::vector<std::uint8_t> chunk;
+    std::vector<std::uint8_t> following;
+    if (!ReadChunk(fd, wire::kMaxPayload, &chunk))
+        return ReplyErrno(out, request.id, errno, "cannot read " + file.instrumentPath);
+    bool first = true;
+    for (;;) {
+        bool more = false;
+        if (chunk.size() == wire::kMaxPayload) {
+            // A read error once frames have gone out cannot be reported: closing tells the reader.
+            if (!ReadChunk(fd, wire::kMaxPayload, &following))
+                return false;
+            more = !following.empty();
+        }
+        std::uint16_t flags = more ? wire::kFlagMore : 0;
+        if (m_compress && CompressIfSmaller(chunk))
+            flags |= wire::kFlagCompressed;
+        Frame frame = FrameCodec::MakeData(request.id, flags, std::move(chunk));
+        if (first)
+            frame.header.extra = static_cast<std::uint32_t>(info.st_size);
+        first = false;
+        if (!out(frame))
+            return false;
+        if (!more)
+            return true;
+        chunk = std::move(following);
+        following.clear();
+    }
+}
+
+bool FileService::Describe(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved file = m_paths.Resolve(request.first);
+    if (!file.ok())
+        return Reply(out, request.id, file.status, file.message);
+    const std::string name = file.isRoot ? "/" : file.entry.filename().native();
+    const std::optional<DirectoryRecord> record = DirectoryRecord::FromPath(file.real, name);
+    if (!record)
+        return Reply(out, request.id, wire::kStatusNotFound, "no such file: " + file.instrumentPath);
+
+    std::vector<std::uint8_t> preview;
+    if (!record->folder) {
+        const int fd = ::open(file.real.c_str(), O_RDONLY | O_CLOEXEC);
+        FileCloser closer{fd};
+        if (fd < 0 || !ReadChunk(fd, wire::kPreviewLimit, &preview))
+            preview.clear();
+    }
+    std::vector<std::uint8_t> payload;
+    record->AppendTo(payload);
+    wire::AppendU32(payload, static_cast<std::uint32_t>(preview.size()));
+    payload.insert(payload.end(), preview.begin(), preview.end());
+    return out(FrameCodec::MakeData(request.id, 0, std::move(payload)));
+}
+
+bool FileService::Delete(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved target = m_paths.Resolve(request.first);
+    if (!target.ok())
+        return Reply(out, request.id, target.status, target.message);
+    if (target.isRoot)
+        return Reply(out, request.id, wire::kStatusRefused, "the root folder cannot be deleted");
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(target.entry, error);
+    if (!fs::exists(status))
+        return Reply(out, request.id, wire::kStatusNotFound,
+                     "no such file or folder: " + target.instrumentPath);
+
+    if (fs::is_directory(status) && (request.flags & wire::kFlagRecursive)) {
+        fs::remove_all(target.entry, error);
+    } else if (::remove(target.entry.c_str()) != 0) {
+        const int code = errno;
+        if (code == ENOTEMPTY || code == EEXIST)
+            return Reply(out, request.id, wire::kStatusNotEmpty,
+                         "folder not empty: " + target.instrumentPath);
+        return ReplyErrno(out, request.id, code, "cannot delete " + target.instrumentPath);
+    }
+    if (error)
+        return ReplyErrno(out, request.id, error.value(), "cannot delete " + target.instrumentPath);
+    return Reply(out, request.id, wire::kStatusOk);
+}
+
+bool FileService::Rename(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved from = m_paths.Resolve(request.first);
+    if (!from.ok())
+        return Reply(out, request.id, from.status, from.message);
+    const PathConfinement::Resolved to = m_paths.Resolve(request.second);
+    if (!to.ok())
+        return Reply(out, request.id, to.status, to.message);
+    if (from.isRoot || to.isRoot)
+        return Reply(out, request.id, wire::kStatusRefused, "the root folder cannot be renamed");
+    std::error_code error;
+    if (!fs::exists(fs::symlink_status(from.entry, error)))
+        return Reply(out, request.id, wire::kStatusNotFound,
+                     "no such file or folder: " + from.instrumentPath);
+    // Never replace an existing entry: the caller asks about overwriting before it renames.
+    if (fs::exists(fs::symlink_status(to.entry, error)))
+        return Reply(out, request.id, wire::kStatusExists, "already exists: " + to.instrumentPath);
+    if (::rename(from.entry.c_str(), to.entry.c_str()) != 0)
+        return ReplyErrno(out, request.id, errno, "cannot rename " + from.instrumentPath);
+    return Reply(out, request.id, wire::kStatusOk);
+}
+
+bool FileService::MakeFolder(const SimRequest& request, const FrameOutput& out) const {
+    const PathConfinement::Resolved folder = m_paths.Resolve(request.first);
+    if (!folder.ok())
+        return Reply(out, request.id, folder.status, folder.message);
+    if (::mkdir(folder.entry.c_str(), 0755) != 0) {
+        const int code = errno;
+        if (code == EEXIST)
+            return Reply(out, request.id, wire::kStatusExists, "already exists: " + folder.instrumentPath);
+        return ReplyErrno(out, request.id, code, "cannot make " + folder.instrumentPath);
+    }
+    return Reply(out, request.id, wire::kStatusOk);
+}
+
+std::unique_ptr<PendingUpload> FileService::OpenUpload(const SimRequest& request) const {
+    const PathConfinement::Resolved file = m_paths.Resolve(request.first);
+    if (!file.ok())
+        return std::make_unique<PendingUpload>(fs::path(), file.message);
+    if (file.isRoot)
+        return std::make_unique<PendingUpload>(fs::path(), "the root folder is no file");
+    return std::make_unique<PendingUpload>(file.real);
+}

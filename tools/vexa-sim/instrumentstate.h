@@ -1,0 +1,55 @@
+#pragma once
+// The live state of the simulated instrument, shared by every connection: drifting readings,
+// parameters, the running method and the queue of pending events. Thread-safe.
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "deviceprofile.h"
+
+class InstrumentState {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr std::uint32_t kEventBackup = 1048881;
+    static constexpr std::uint32_t kEventMethodFinished = 1048882;
+    static constexpr std::uint32_t kReadyParameter = 5;
+
+    explicit InstrumentState(DeviceProfile profile);
+
+    // The `status` answer: one key=value line per reading.
+    std::string StatusText();
+
+    // A parameter's bytes, zero-padded or cut to `size` (unset parameters read as zeros).
+    std::vector<std::uint8_t> GetParameter(std::uint32_t id, std::uint32_t index, std::size_t size);
+    void SetParameter(std::uint32_t id, std::uint32_t index, std::vector<std::uint8_t> bytes);
+
+    // Pending "<code> <text>" lines, oldest first; the queue is emptied.
+    std::vector<std::string> TakeEvents();
+    void QueueEvent(std::uint32_t code, const std::string& text);
+
+    // Starts a method (or replay); false when one is already running.
+    bool StartMethod(const std::string& commandLine);
+    std::string RunningProcess();
+    void SetManualTune(int number, const std::string& path);
+    void SetBackupProgress(int percent);
+
+private:
+    void AdvanceLocked(Clock::time_point now);
+    int Drifted(int value, double amplitude, int salt, double seconds) const;
+
+    const DeviceProfile m_profile;
+    const Clock::time_point m_start = Clock::now();
+    std::mutex m_mutex;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<std::uint8_t>> m_parameters;
+    std::deque<std::string> m_events;
+    std::string m_process;
+    Clock::time_point m_processEnd;
+    int m_backupProgress = 0;
+    std::map<int, std::string> m_manualTunes;
+};

@@ -1,0 +1,63 @@
+#include "simoptions.h"
+
+#include <charconv>
+
+SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* problem) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        auto value = [&](std::string* out) {
+            if (i + 1 >= argc) {
+                *problem = option + " needs a value";
+                return false;
+            }
+            *out = argv[++i];
+            return true;
+        };
+        std::string text;
+        if (option == "--help" || option == "-h") {
+            return Outcome::Help;
+        } else if (option == "--root") {
+            if (!value(&root))
+                return Outcome::Error;
+        } else if (option == "--address") {
+            if (!value(&address))
+                return Outcome::Error;
+        } else if (option == "--port") {
+            if (!value(&text))
+                return Outcome::Error;
+            const auto result = std::from_chars(text.data(), text.data() + text.size(), port);
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || port == 0) {
+                *problem = "--port needs a number from 1 to 65535";
+                return Outcome::Error;
+            }
+        } else if (option == "--profile") {
+            if (!value(&profile))
+                return Outcome::Error;
+        } else if (option == "--trace") {
+            trace = true;
+        } else if (option == "--no-compress") {
+            compress = false;
+        } else if (option == "--fault") {
+            if (!value(&text) || !faults.Add(text, problem))
+                return Outcome::Error;
+        } else {
+            *problem = "unknown option " + option;
+            return Outcome::Error;
+        }
+    }
+    if (root.empty()) {
+        *problem = "--root is required";
+        return Outcome::Error;
+    }
+    return Outcome::Run;
+}
+
+std::string SimOptions::Usage() {
+    return "usage: vexa-sim --root DIR [--address 127.0.0.1] [--port 4840] [--profile FILE.json]\n"
+           "                [--trace] [--no-compress] [--fault SPEC ...]\n"
+           "Serves DIR as the instrument's file system on the instrument link.\n"
+           "  --trace        log every frame received and sent on stderr\n"
+           "  --no-compress  never compress file data\n"
+           "  --fault SPEC   stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
+           "                 reply-status=S | drop-after-frames=N (repeatable)\n";
+}

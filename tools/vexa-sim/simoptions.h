@@ -1,0 +1,23 @@
+#pragma once
+// The simulator's command line.
+#include <cstdint>
+#include <string>
+
+#include "faultplan.h"
+
+class SimOptions {
+public:
+    enum class Outcome { Run, Help, Error };
+
+    // Reads argv; on Error `problem` says what is wrong.
+    Outcome Parse(int argc, char** argv, std::string* problem);
+    static std::string Usage();
+
+    std::string root;
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 4840;
+    std::string profile;
+    bool trace = false;
+    bool compress = true;
+    FaultPlan faults;
+};

@@ -1,0 +1,50 @@
+#include "socketstream.h"
+
+#include <cerrno>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+SocketStream::SocketStream(int fd) : m_fd(fd) {}
+
+SocketStream::~SocketStream() {
+    ::close(m_fd);
+}
+
+bool SocketStream::ReadExactly(void* buffer, std::size_t count) {
+    auto* bytes = static_cast<char*>(buffer);
+    while (count > 0) {
+        const ssize_t received = ::recv(m_fd, bytes, count, 0);
+        if (received < 0 && errno == EINTR)
+            continue;
+        if (received <= 0)
+            return false;
+        bytes += received;
+        count -= static_cast<std::size_t>(received);
+    }
+    return true;
+}
+
+bool SocketStream::WriteAll(const void* buffer, std::size_t count) {
+    auto* bytes = static_cast<const char*>(buffer);
+    while (count > 0) {
+        const ssize_t sent = ::send(m_fd, bytes, count, MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        bytes += sent;
+        count -= static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+void SocketStream::SendImmediately() {
+    const int on = 1;
+    ::setsockopt(m_fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
+void SocketStream::Shutdown() {
+    ::shutdown(m_fd, SHUT_RDWR);
+}
