@@ -1,1 +1,23 @@
-// placeholder
+// The static objects of the VexaSens module. They are constructed when the module is loaded (or the
+// program that compiles this file starts) and destroyed when it goes; the host learns about the sensor
+// type through them. Within this file they are built top to bottom and destroyed in reverse, so the
+// string table is registered before anything reads a text and stays until everything else is gone.
+#include "stringtable.h"
+#include "vexasensorinfo.h"
+
+namespace {
+
+class VexaStringsRegistration {
+public:
+    VexaStringsRegistration() { RegisterVexaStrings(); }
+    ~VexaStringsRegistration() { UnregisterVexaStrings(); }
+    VexaStringsRegistration(const VexaStringsRegistration&) = delete;
+    VexaStringsRegistration& operator=(const VexaStringsRegistration&) = delete;
+};
+
+VexaStringsRegistration g_strings;
+
+// The one plug-in description of the module.
+VEXASensorInfo g_sensorInfo;
+
+} // namespace

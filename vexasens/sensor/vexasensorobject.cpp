@@ -2,10 +2,13 @@
 
 #include "dialoglauncher.h"
 #include "fileinfo.h"
+#include "instrumentmethodmru.h"
 #include "paths.h"
 #include "pxresource.h"
 #include "remotename.h"
+#include "statusreport.h"
 #include "text.h"
+#include "vexadevice.h"
 
 #include <cstring>
 
@@ -130,25 +133,31 @@ bool VEXASensorObject::IsValidDeviceId(uint32_t id) const { return id < 0x10000 
 std::wstring VEXASensorObject::GetEditMethodText() const { return L"Edit &Method"; }
 
 std::vector<std::wstring> VEXASensorObject::GetInstrumentMethodMRU(bool fullNames) {
-    return ISensorObject::GetInstrumentMethodMRU(fullNames);
+    return InstrumentMethodMRU(*this, fullNames);
 }
 
 void VEXASensorObject::OnNotifyText(const std::wstring&) {}
 
-int VEXASensorObject::GetStatusSectionCount() { return ISensorObject::GetStatusSectionCount(); }
+// The status report is computed afresh on every call from a copy of the "VEXA" device.
+int VEXASensorObject::GetStatusSectionCount() { return VexaStatusReport::SectionCount(); }
 
 std::wstring VEXASensorObject::GetStatusSectionTitle(int section) {
-    return ISensorObject::GetStatusSectionTitle(section);
+    return VexaStatusReport::SectionTitle(section);
 }
 
-int VEXASensorObject::GetStatusLineCount(int section) { return ISensorObject::GetStatusLineCount(section); }
+int VEXASensorObject::GetStatusLineCount(int section) {
+    VexaDevice device(GetDevice(L"VEXA"));
+    return VexaStatusReport(device).LineCount(section);
+}
 
 std::wstring VEXASensorObject::GetStatusLabel(int section, int line) {
-    return ISensorObject::GetStatusLabel(section, line);
+    VexaDevice device(GetDevice(L"VEXA"));
+    return VexaStatusReport(device).Label(section, line);
 }
 
 std::wstring VEXASensorObject::GetStatusValue(int section, int line) {
-    return ISensorObject::GetStatusValue(section, line);
+    VexaDevice device(GetDevice(L"VEXA"));
+    return VexaStatusReport(device).Value(section, line);
 }
 
 void VEXASensorObject::ShowTuneReports() {

@@ -1,0 +1,21 @@
+#pragma once
+// Starting the external programs of the sensor type's tools. The programs are configured in the
+// settings (Programs/Nist, Programs/Amdis); the desktop's default opener opens documents
+// (Programs/Opener overrides it). Errors are errno-style numbers, 2 meaning "not found".
+#include <string>
+#include <vector>
+
+inline constexpr int kProgramNotFound = 2;
+
+// Starts `program` with `arguments`, detached from this process; 0 when it started, else the error.
+int StartDetachedProgram(const std::wstring& program, const std::vector<std::wstring>& arguments);
+
+// Opens a document with the desktop's default program ("open" verb): 0 on success, 2 when the file
+// does not exist, another number when the opener could not be started.
+int ShellOpen(const std::wstring& path);
+
+// Start the NIST and AMDIS programs. When none is configured, or it cannot be started, the operator is
+// told so through the tools' user interface and the result is false. NistSwitch's flag is the host's
+// and is accepted for its signature only; AmdisSwitch passes its non-empty texts as arguments.
+bool NistSwitch(bool flag);
+bool AmdisSwitch(const std::wstring& first, const std::wstring& second);
