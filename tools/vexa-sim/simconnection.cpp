@@ -15,9 +15,16 @@ SimConnection::SimConnection(int fd, int id, const SimServices& services)
     : m_stream(fd), m_id(id), m_services(services), m_sender(m_stream, services.log, id, services.faults) {}
 
 SimConnection::~SimConnection() {
+    End();
+}
+
+void SimConnection::End() {
     for (const auto& [transfer, upload] : m_uploads)
         m_services.log.Note(m_id, "upload " + std::to_string(transfer) + " of " + upload->target().native() +
                                       " aborted; the file is left as it was");
+    m_uploads.clear();
+    // The peer learns of the end now, not when the server gets round to reaping this thread.
+    m_stream.Shutdown();
 }
 
 void SimConnection::Shutdown() {
@@ -25,6 +32,12 @@ void SimConnection::Shutdown() {
 }
 
 void SimConnection::Run() {
+    Serve();
+    End();
+    m_services.log.Note(m_id, "connection closed");
+}
+
+void SimConnection::Serve() {
     Frame frame;
     if (!ReadFrame(&frame)) {
         m_services.log.Note(m_id, "closed before the hello");
@@ -39,7 +52,6 @@ void SimConnection::Run() {
         m_services.log.Note(m_id, "unusual hello: " + FrameCodec::Describe(frame.header));
     while (ReadFrame(&frame) && HandleFrame(frame)) {
     }
-    m_services.log.Note(m_id, "connection closed");
 }
 
 bool SimConnection::ReadFrame(Frame* frame) {

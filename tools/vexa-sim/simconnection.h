@@ -36,6 +36,9 @@ public:
     void Shutdown();
 
 private:
+    void Serve();
+    // Aborts unfinished uploads and closes the connection.
+    void End();
     bool ReadFrame(Frame* frame);
     bool HandleFrame(const Frame& frame);
     bool HandleRequest(const Frame& frame);

@@ -1,0 +1,149 @@
+// The command language behind request command 8.
+#include <chrono>
+#include <map>
+#include <sstream>
+#include <thread>
+
+#include "simulatorfixture.h"
+
+namespace {
+
+std::map<std::string, std::string> StatusValues(const std::string& text) {
+    std::map<std::string, std::string> values;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t equals = line.find('=');
+        if (equals != std::string::npos)
+            values[line.substr(0, equals)] = line.substr(equals + 1);
+    }
+    return values;
+}
+
+} // namespace
+
+class CommandLanguageTest : public SimulatorTest {
+protected:
+    ReceivedFrame Run(RawLinkClient& client, const std::string& command) {
+        return Ask(client, ++m_id, 8, command, {}, 0, 30);
+    }
+    std::string Output(RawLinkClient& client, const std::string& command) {
+        const ReceivedFrame frame = Run(client, command);
+        EXPECT_EQ(frame.kind, 9) << command << ": " << frame.message();
+        EXPECT_EQ(frame.argument, m_id) << command;
+        return frame.text();
+    }
+    void StartWithProfile(const std::string& json) {
+        Start({"--profile", m_temp.createFile("profile.json", json)});
+    }
+
+    std::uint32_t m_id = 0;
+};
+
+TEST_F(CommandLanguageTest, StatusReportsEveryKey) {
+    Start();
+    auto client = Connect();
+    const std::map<std::string, std::string> values = StatusValues(Output(*client, "status"));
+    std::vector<std::string> keys = {
+        "model",   "cartridge",      "injectionPort",     "accessory",          "concentrator",
+        "neg",     "isSupplyPres",   "carrierSupplyPres", "carrierControlPres", "totalPres",
+        "process", "backupProgress", "methodMRU.0",       "methodMRU.1",        "ready"};
+    for (int id = 1; id <= 12; ++id)
+        keys.push_back("heater." + std::to_string(id));
+    for (int id = 25; id <= 32; ++id)
+        keys.push_back("accessoryHeater." + std::to_string(id));
+    for (const std::string& key : keys)
+        EXPECT_EQ(values.count(key), 1u) << key;
+    EXPECT_EQ(values.at("methodMRU.0"), "/Method/Default.mth");
+    EXPECT_EQ(values.at("process"), "");
+    EXPECT_EQ(values.at("ready"), "1");
+    // Drift stays within a few tenths of a degree.
+    EXPECT_NEAR(std::stoi(values.at("heater.1")), 1500, 3);
+    EXPECT_NEAR(std::stod(values.at("totalPres")), 2.5e-3, 2.5e-3 * 0.021);
+}
+
+TEST_F(CommandLanguageTest, ProfileSetsExactValuesWithoutDrift) {
+    StartWithProfile(R"({"drift": false, "model": 2, "heaters": {"1": 1234}, "totalPres": "nan",
+                         "omitKeys": ["neg"], "methodMRU": []})");
+    auto client = Connect();
+    const std::map<std::string, std::string> values = StatusValues(Output(*client, "status"));
+    EXPECT_EQ(values.at("model"), "2");
+    EXPECT_EQ(values.at("heater.1"), "1234");
+    EXPECT_EQ(values.at("heater.2"), "1200");
+    EXPECT_EQ(values.at("carrierControlPres"), "140");
+    EXPECT_EQ(values.at("totalPres"), "nan");
+    EXPECT_EQ(values.count("neg"), 0u);
+    EXPECT_EQ(values.count("methodMRU.0"), 0u);
+}
+
+TEST_F(CommandLanguageTest, SimpleCommandsAnswerAsTheInstrumentDoes) {
+    Start();
+    auto client = Connect();
+    struct Case {
+        const char* command;
+        const char* output;
+    };
+    const Case cases[] = {
+        {"echo hi", "hi\n"},
+        {"uname", "Linux\n"},
+        {"events", ""},
+        {"param get 5 0 4", "01000000"},
+        {"param get 300 1 2", "0000"},
+        {"param set 300 1 A1b2", "ok"},
+        {"param get 300 1 2", "a1b2"},
+        {"param get 300 1 3", "a1b200"},
+        {"param set 5 0 00000000", "ok"},
+        {"tune manual 1 /Tune/Default.tun", "ok"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(Output(*client, c.command), c.output) << c.command;
+    EXPECT_EQ(StatusValues(Output(*client, "status")).at("ready"), "0");
+    EXPECT_FALSE(Output(*client, "date").empty());
+}
+
+TEST_F(CommandLanguageTest, RefusedCommandsReplyWithStatusAndMessage) {
+    Start();
+    auto client = Connect();
+    struct Case {
+        const char* command;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"frobnicate", "unknown command"},
+        {"", "unknown command"},
+        {"backup", "backup not available yet"},
+        {"param get 5 0 0", nullptr},
+        {"param set 5 0 abc", nullptr},
+        {"param get x 0 4", nullptr},
+        {"method stop", nullptr},
+    };
+    for (const Case& c : cases) {
+        const ReceivedFrame reply = Run(*client, c.command);
+        EXPECT_EQ(reply.kind, 1) << c.command;
+        EXPECT_EQ(reply.argument, m_id) << c.command;
+        EXPECT_NE(reply.status(), 0u) << c.command;
+        if (c.message) {
+            EXPECT_EQ(reply.message(), c.message) << c.command;
+        } else {
+            EXPECT_FALSE(reply.message().empty()) << c.command;
+        }
+    }
+}
+
+TEST_F(CommandLanguageTest, MethodRunsForItsTimeThenQueuesItsEvent) {
+    StartWithProfile(R"({"methodSeconds": 0.3})");
+    auto client = Connect();
+    const std::string replay = "\"/Data/run1.vxs\" -speed=2";
+    EXPECT_EQ(Output(*client, "method run " + replay), "ok");
+    EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), replay);
+    EXPECT_NE(Run(*client, "method run /Method/Default.mth").status(), 0u);
+
+    std::string events;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (events.empty() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        events = Output(*client, "events");
+    }
+    EXPECT_EQ(events, "1048882 method finished\n");
+    EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), "");
+    EXPECT_EQ(Output(*client, "events"), "");
+}

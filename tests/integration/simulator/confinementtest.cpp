@@ -1,0 +1,76 @@
+// No request reaches anything outside the served folder.
+#include <filesystem>
+
+#include "simulatorfixture.h"
+
+namespace fs = std::filesystem;
+
+TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
+    fs::create_directory_symlink(outside(), m_temp.file("root/Escape"));
+    fs::create_symlink(m_temp.file("outside/secret.txt"), m_temp.file("root/Data/secret.vxs"));
+    fs::create_symlink("../../outside/secret.txt", m_temp.file("root/Data/relative.vxs"));
+    Start();
+    auto client = Connect();
+    struct Case {
+        std::uint32_t command;
+        const char* first;
+        const char* second;
+        std::uint16_t flags;
+    };
+    const Case cases[] = {
+        {1, "..", "", 0x0100},
+        {1, "/..", "", 0x0100},
+        {1, "/../", "", 0x0100},
+        {1, "/Data/../../outside", "", 0x0100},
+        {1, "/Escape", "", 0x0100},
+        {3, "/../outside/secret.txt", "", 0},
+        {3, "../outside/secret.txt", "", 0},
+        {3, "/Escape/secret.txt", "", 0},
+        {3, "/Data/secret.vxs", "", 0},
+        {3, "/Data/relative.vxs", "", 0},
+        {9, "/Escape/secret.txt", "", 0},
+        {9, "/../outside", "", 0},
+        {4, "/Escape/secret.txt", "", 0},
+        {4, "/Escape", "", 0x0004},
+        {4, "/..", "", 0x0004},
+        {5, "/Escape/secret.txt", "/stolen.txt", 0},
+        {5, "/hosts", "/../outside/hosts", 0},
+        {7, "/../outside/made", "", 0},
+        {7, "/Escape/made", "", 0},
+        // Absolute names are taken under the root: there is no /etc there.
+        {3, "/etc/passwd", "", 0},
+        {3, "//etc/passwd", "", 0},
+    };
+    std::uint32_t id = 0;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.command) + " " + c.first + " " + c.second);
+        const ReceivedFrame reply = Ask(*client, ++id, c.command, c.first, c.second, c.flags);
+        EXPECT_EQ(reply.kind, 1);
+        EXPECT_NE(reply.status(), 0u);
+    }
+    // Uploads get no answer; the file simply never appears.
+    ASSERT_TRUE(client->Upload(++id, "/../outside/written.txt", ToBytes("x")));
+    ASSERT_TRUE(client->Upload(++id, "/Escape/written.txt", ToBytes("x")));
+    EXPECT_EQ(Ask(*client, ++id, 9, "/hosts").kind, 9); // both uploads were consumed
+
+    EXPECT_EQ(ReadWholeFile(m_temp.file("outside/secret.txt")), "not for the instrument");
+    EXPECT_FALSE(fs::exists(m_temp.file("outside/written.txt")));
+    EXPECT_FALSE(fs::exists(m_temp.file("outside/made")));
+    EXPECT_FALSE(fs::exists(m_temp.file("outside/hosts")));
+    EXPECT_TRUE(fs::exists(m_temp.file("root/hosts")));
+
+    // Links that lead out are not listed either.
+    const ReceivedFrame rootListing = Ask(*client, ++id, 1, "/", {}, 0x0101);
+    for (const ListedEntry& entry : DecodeRecords(rootListing.payload))
+        EXPECT_NE(entry.name, "Escape");
+}
+
+TEST_F(SimulatorTest, DotsThatStayInsideTheRootAreServed) {
+    Start();
+    auto client = Connect();
+    for (const char* path : {"/Data/../hostname", "Data/./../hostname", "//hostname"}) {
+        const ReceivedFrame frame = Ask(*client, 1, 3, path);
+        EXPECT_EQ(frame.kind, 9) << path;
+        EXPECT_EQ(Content({frame}), ToBytes("vexaron-0427\n")) << path;
+    }
+}

@@ -1,0 +1,74 @@
+// Each fault switch, seen from the workstation's side of the wire.
+#include <chrono>
+
+#include "simulatorfixture.h"
+
+TEST_F(SimulatorTest, StallAfterKeepsTheConnectionOpenButSilent) {
+    Start({"--fault", "stall-after=40"});
+    auto client = Connect(500);
+    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname")); // 32 + 13 bytes
+    EXPECT_EQ(client->ReadUpTo(45).size(), 40u);
+    EXPECT_FALSE(client->sawClose());
+    ASSERT_TRUE(client->SendRequest(2, 9, "/hosts"));
+    EXPECT_TRUE(client->ReadUpTo(1).empty());
+    EXPECT_FALSE(client->sawClose());
+}
+
+TEST_F(SimulatorTest, TrickleSendsByteByByte) {
+    Start({"--fault", "trickle=15"});
+    auto client = Connect();
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname"));
+    std::optional<ReceivedFrame> frame = client->ReadFrame();
+    const auto elapsed = std::chrono::steady_clock::now() - start;
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->text(), "vexaron-0427\n");
+    // 45 bytes with a pause of at least 15 ms after each.
+    EXPECT_GE(elapsed, std::chrono::milliseconds(44 * 15));
+}
+
+TEST_F(SimulatorTest, CloseMidFrameCutsTheDataFrame) {
+    Start({"--fault", "close-mid-frame=10"});
+    auto client = Connect();
+    // Replies are not data frames and pass whole.
+    const ReceivedFrame reply = Ask(*client, 1, 7, "/Made");
+    EXPECT_EQ(reply.status(), 0u);
+    ASSERT_TRUE(client->SendRequest(2, 3, "/hostname"));
+    EXPECT_EQ(client->ReadUpTo(100).size(), 10u);
+    EXPECT_TRUE(client->sawClose());
+}
+
+TEST_F(SimulatorTest, OversizeAnnouncesAnImpossibleLength) {
+    Start({"--fault", "oversize"});
+    auto client = Connect();
+    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname"));
+    EXPECT_FALSE(client->ReadFrame());
+    EXPECT_EQ(client->lastHeader().kind, 9);
+    EXPECT_EQ(client->lastHeader().length, 70000u);
+}
+
+TEST_F(SimulatorTest, ReplyStatusAnswersEveryFileRequest) {
+    Start({"--fault", "reply-status=77"});
+    auto client = Connect();
+    for (std::uint32_t command : {1u, 3u, 4u, 5u, 7u, 9u}) {
+        const ReceivedFrame reply = Ask(*client, command, command, "/hostname", "/other");
+        EXPECT_EQ(reply.kind, 1) << command;
+        EXPECT_EQ(reply.argument, command);
+        EXPECT_EQ(reply.status(), 77u) << command;
+    }
+    EXPECT_TRUE(FileExists(root() + "/hostname"));
+    // The command language is not part of the file service and keeps answering.
+    const ReceivedFrame echo = Ask(*client, 8, 8, "echo still here");
+    EXPECT_EQ(echo.kind, 9);
+    EXPECT_EQ(echo.text(), "still here\n");
+}
+
+TEST_F(SimulatorTest, DropAfterFramesClosesAfterTheLimit) {
+    Start({"--fault", "drop-after-frames=2"});
+    auto client = Connect();
+    EXPECT_EQ(Ask(*client, 1, 7, "/A").status(), 0u);
+    EXPECT_EQ(Ask(*client, 2, 7, "/B").status(), 0u);
+    ASSERT_TRUE(client->SendRequest(3, 7, "/C"));
+    EXPECT_FALSE(client->ReadFrame());
+    EXPECT_TRUE(client->sawClose());
+}

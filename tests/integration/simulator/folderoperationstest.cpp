@@ -1,0 +1,92 @@
+// Making, renaming and deleting through the simulator, and frames it must refuse.
+#include <filesystem>
+
+#include "simulatorfixture.h"
+
+namespace fs = std::filesystem;
+
+TEST_F(SimulatorTest, FolderOperationsAnswerWithErrnoLikeStatuses) {
+    m_temp.createFile("root/Full/inner.txt", "x");
+    Start();
+    auto client = Connect();
+    struct Step {
+        std::uint32_t command;
+        const char* first;
+        const char* second;
+        std::uint16_t flags;
+        std::uint32_t status;
+    };
+    const Step steps[] = {
+        {7, "/New", "", 0, 0},
+        {7, "/New", "", 0, 17},        // exists
+        {7, "/Nowhere/New", "", 0, 2}, // parent missing
+        {5, "/hostname", "/New/name", 0, 0},
+        {5, "/hostname", "/other", 0, 2},  // gone already
+        {5, "/hosts", "/timezone", 0, 17}, // never replaces
+        {4, "/Full", "", 0, 39},           // not empty without the recursive flag
+        {4, "/Full", "", 0x0004, 0},
+        {4, "/New/name", "", 0, 0},
+        {4, "/New", "", 0, 0}, // empty now
+        {4, "/New", "", 0, 2},
+        {4, "/", "", 0x0004, 13}, // never the root
+        {6, "/hosts", "", 0, 38}, // no command 6
+    };
+    std::uint32_t id = 0;
+    for (const Step& step : steps) {
+        SCOPED_TRACE(std::to_string(step.command) + " " + step.first + " " + step.second);
+        const ReceivedFrame reply = Ask(*client, ++id, step.command, step.first, step.second, step.flags);
+        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.argument, id);
+        EXPECT_EQ(reply.status(), step.status);
+        if (step.status != 0) {
+            EXPECT_FALSE(reply.message().empty());
+        }
+    }
+    EXPECT_FALSE(fs::exists(m_temp.file("root/Full")));
+    EXPECT_FALSE(fs::exists(m_temp.file("root/New")));
+    EXPECT_FALSE(fs::exists(m_temp.file("root/hostname")));
+    EXPECT_EQ(ReadWholeFile(m_temp.file("root/timezone")), "UTC\n");
+}
+
+TEST_F(SimulatorTest, MalformedFramesCloseTheConnection) {
+    Start();
+    struct Case {
+        const char* what;
+        bool hello;
+        Bytes frame;
+    };
+    Bytes badMarker = {0x0D, 0x0C, 0x0B, 0x0B, 8, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
+    badMarker.resize(32, 0);
+    Bytes tooLong = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 0x01, 0x00, 0x01, 0x00}; // 65,537
+    tooLong.resize(32, 0);
+    Bytes requestFirst = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 0x04, 0x08, 0, 0};
+    requestFirst.resize(32 + 2052, 0);
+    requestFirst[32] = 1;
+    for (const Case& c : {Case{"bad marker", true, badMarker}, Case{"payload above 65536", true, tooLong},
+                          Case{"no hello", false, requestFirst}}) {
+        SCOPED_TRACE(c.what);
+        RawLinkClient client(m_simulator->address());
+        if (c.hello) {
+            ASSERT_TRUE(client.SendHello());
+        }
+        ASSERT_TRUE(client.SendRaw(c.frame));
+        EXPECT_TRUE(client.PeerClosed());
+    }
+    // The simulator itself carries on.
+    auto client = Connect();
+    EXPECT_EQ(Ask(*client, 1, 9, "/hosts").kind, 9);
+}
+
+TEST_F(SimulatorTest, RequestOfTheWrongSizeIsRefused) {
+    Start();
+    auto client = Connect();
+    Bytes frame = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0};
+    frame.resize(32, 0);
+    frame.insert(frame.end(), {1, 0, 0, 0});
+    ASSERT_TRUE(client->SendRaw(frame));
+    std::optional<ReceivedFrame> reply = client->ReadFrame();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->kind, 1);
+    EXPECT_EQ(reply->argument, 9u);
+    EXPECT_EQ(reply->status(), 22u);
+}

@@ -1,0 +1,69 @@
+#pragma once
+// A deliberately plain link client for the simulator's tests: frames are written byte by byte here,
+// never through the simulator's or the module's encoders, so a layout mistake cannot cancel out.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<std::uint8_t>;
+
+void AppendLe16(Bytes& out, std::uint16_t value);
+void AppendLe32(Bytes& out, std::uint32_t value);
+std::uint32_t ReadLe32(const Bytes& bytes, std::size_t offset);
+
+struct ReceivedFrame {
+    std::uint32_t marker = 0;
+    std::uint16_t kind = 0;
+    std::uint16_t flags = 0;
+    std::uint32_t version = 0;
+    std::uint32_t length = 0;
+    std::uint32_t argument = 0;
+    std::uint16_t subArgument = 0;
+    std::uint32_t extra = 0;
+    Bytes payload;
+
+    // For replies (kind 1).
+    std::uint32_t status() const { return payload.size() >= 4 ? ReadLe32(payload, 0) : 0xFFFFFFFF; }
+    std::string message() const;
+    std::string text() const { return std::string(payload.begin(), payload.end()); }
+};
+
+class RawLinkClient {
+public:
+    // Connects to address:4840; every receive gives up after `timeoutMs`.
+    explicit RawLinkClient(const std::string& address, int timeoutMs = 3000);
+    ~RawLinkClient();
+    RawLinkClient(const RawLinkClient&) = delete;
+    RawLinkClient& operator=(const RawLinkClient&) = delete;
+
+    bool connected() const { return m_fd >= 0; }
+    bool SendRaw(const Bytes& bytes);
+    bool SendHello();
+    // A request: command, two quoted NUL-padded arguments (an empty second argument stays empty).
+    bool SendRequest(std::uint32_t id, std::uint32_t command, const std::string& first,
+                     const std::string& second = {}, std::uint16_t flags = 0, std::uint32_t extra = 0);
+    // One data frame of an upload (sub-argument 2).
+    bool SendUploadData(std::uint32_t transfer, bool more, const Bytes& payload);
+    // Sends a whole file the way the workstation does: 65,536-byte frames, the last without 0x8000.
+    bool Upload(std::uint32_t transfer, const std::string& path, const Bytes& content);
+
+    // One frame, payload read as announced; nothing on time-out, close or an announced length above
+    // 65,536 (then only the header is read, see `lastHeader`).
+    std::optional<ReceivedFrame> ReadFrame();
+    // Reads up to `count` bytes, returning what came before the time-out or the close.
+    Bytes ReadUpTo(std::size_t count);
+    // Whether the peer has closed the connection (waits at most the receive time-out).
+    bool PeerClosed();
+    // Reads data frames until one without 0x8000; false when a reply or nothing came instead.
+    bool ReadTransfer(std::vector<ReceivedFrame>* frames);
+
+    const ReceivedFrame& lastHeader() const { return m_lastHeader; }
+    // Whether the last ReadUpTo/ReadFrame ended because the peer closed (rather than by time-out).
+    bool sawClose() const { return m_sawClose; }
+
+private:
+    int m_fd = -1;
+    ReceivedFrame m_lastHeader;
+    bool m_sawClose = false;
+};

@@ -1,0 +1,76 @@
+#include "simulatorfixture.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <zlib.h>
+
+namespace fs = std::filesystem;
+
+std::vector<ListedEntry> DecodeRecords(const Bytes& payload) {
+    std::vector<ListedEntry> entries;
+    for (std::size_t at = 0; at + 1104 <= payload.size(); at += 1104) {
+        ListedEntry entry;
+        const char* name = reinterpret_cast<const char*>(payload.data() + at);
+        entry.name = std::string(name, strnlen(name, 1024));
+        entry.size = ReadLe32(payload, at + 1024);
+        entry.attributes = ReadLe32(payload, at + 1040);
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+std::vector<std::string> Names(const std::vector<ListedEntry>& entries) {
+    std::vector<std::string> names;
+    for (const ListedEntry& entry : entries)
+        names.push_back(entry.name);
+    return names;
+}
+
+Bytes Inflate(const Bytes& packed) {
+    Bytes out(65536);
+    uLongf size = out.size();
+    if (uncompress(out.data(), &size, packed.data(), packed.size()) != Z_OK)
+        return {};
+    out.resize(size);
+    return out;
+}
+
+Bytes ToBytes(const std::string& text) {
+    return Bytes(text.begin(), text.end());
+}
+
+Bytes Content(const std::vector<ReceivedFrame>& frames) {
+    Bytes content;
+    for (const ReceivedFrame& frame : frames) {
+        const Bytes chunk = (frame.flags & 0x0400) ? Inflate(frame.payload) : frame.payload;
+        content.insert(content.end(), chunk.begin(), chunk.end());
+    }
+    return content;
+}
+
+SimulatorTest::SimulatorTest() {
+    const char* source = std::getenv("VEXA_SOURCE_DIR");
+    const fs::path demo = fs::path(source ? source : ".") / "tools/vexa-sim/demo";
+    fs::copy(demo, root(), fs::copy_options::recursive);
+    m_temp.createFile("outside/secret.txt", "not for the instrument");
+}
+
+void SimulatorTest::Start(const std::vector<std::string>& extraArgs) {
+    m_simulator = std::make_unique<SimulatorProcess>(root(), extraArgs);
+}
+
+std::unique_ptr<RawLinkClient> SimulatorTest::Connect(int timeoutMs) {
+    auto client = std::make_unique<RawLinkClient>(m_simulator->address(), timeoutMs);
+    EXPECT_TRUE(client->connected());
+    EXPECT_TRUE(client->SendHello());
+    return client;
+}
+
+ReceivedFrame SimulatorTest::Ask(RawLinkClient& client, std::uint32_t id, std::uint32_t command,
+                                 const std::string& first, const std::string& second, std::uint16_t flags,
+                                 std::uint32_t extra) {
+    EXPECT_TRUE(client.SendRequest(id, command, first, second, flags, extra));
+    std::optional<ReceivedFrame> frame = client.ReadFrame();
+    EXPECT_TRUE(frame.has_value()) << "no answer to command " << command << " \"" << first << "\"";
+    return frame.value_or(ReceivedFrame{});
+}
