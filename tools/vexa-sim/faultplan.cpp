@@ -12,10 +12,10 @@ template <typename Number> bool ParseNumber(const std::string& text, Number* val
 
 } // namespace
 
-bool FaultPlan::Add(const std::string& spec, std::string* problem) {
-    const std::size_t equals = spec.find('=');
-    const std::string name = spec.substr(0, equals);
-    const std::string value = equals == std::string::npos ? std::string() : spec.substr(equals + 1);
+bool FaultPlan::Add(const std::string& fault, std::string* problem) {
+    const std::size_t equals = fault.find('=');
+    const std::string name = fault.substr(0, equals);
+    const std::string value = equals == std::string::npos ? std::string() : fault.substr(equals + 1);
     const bool hasValue = equals != std::string::npos;
 
     if (name == "oversize" && !hasValue) {
@@ -24,7 +24,7 @@ bool FaultPlan::Add(const std::string& spec, std::string* problem) {
     }
     std::size_t count = 0;
     if (!hasValue || !ParseNumber(value, &count)) {
-        *problem = "unknown or malformed fault \"" + spec + "\"";
+        *problem = "unknown or malformed fault \"" + fault + "\"";
         return false;
     }
     if (name == "stall-after") {
@@ -38,7 +38,7 @@ bool FaultPlan::Add(const std::string& spec, std::string* problem) {
     } else if (name == "drop-after-frames") {
         dropAfterFrames = count;
     } else {
-        *problem = "unknown or malformed fault \"" + spec + "\"";
+        *problem = "unknown or malformed fault \"" + fault + "\"";
         return false;
     }
     return true;

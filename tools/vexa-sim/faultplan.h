@@ -1,11 +1,13 @@
 #pragma once
-// The faults the file service injects, from repeated --fault SPEC options:
+// The faults the file service injects, one per --fault option:
 //   stall-after=N        stop sending after N bytes on each connection, but keep it open
 //   trickle=MS           send in 1-byte pieces with MS ms between them
 //   close-mid-frame=N    close the connection after the first N bytes of a data frame longer than N
 //   oversize             data frames announce a payload length of 70000
 //   reply-status=S       answer every request with a reply of status S
 //   drop-after-frames=N  close the connection after N frames sent
+// The command language (request command 8) is exempt, so status polling on the instrument's second
+// connection keeps working while the file service misbehaves.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -15,8 +17,8 @@ class FaultPlan {
 public:
     static constexpr std::uint32_t kOversizeLength = 70000;
 
-    // Adds one SPEC; false with the reason when it is not understood.
-    bool Add(const std::string& spec, std::string* problem);
+    // Adds one fault ("name" or "name=value"); false with the reason when it is not understood.
+    bool Add(const std::string& fault, std::string* problem);
     bool empty() const;
     // The active faults, for the start-up line.
     std::string Describe() const;

@@ -2,7 +2,6 @@
 
 #include <zlib.h>
 
-#include "byteorder.h"
 #include "commandlanguage.h"
 #include "faultplan.h"
 #include "fileservice.h"

@@ -54,10 +54,11 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
 
 std::string SimOptions::Usage() {
     return "usage: vexa-sim --root DIR [--address 127.0.0.1] [--port 4840] [--profile FILE.json]\n"
-           "                [--trace] [--no-compress] [--fault SPEC ...]\n"
+           "                [--trace] [--no-compress] [--fault FAULT ...]\n"
            "Serves DIR as the instrument's file system on the instrument link.\n"
            "  --trace        log every frame received and sent on stderr\n"
            "  --no-compress  never compress file data\n"
-           "  --fault SPEC   stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
-           "                 reply-status=S | drop-after-frames=N (repeatable)\n";
+           "  --fault FAULT  stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
+           "                 reply-status=S | drop-after-frames=N\n"
+           "                 (repeatable; applies to the file service, not to commands)\n";
 }
