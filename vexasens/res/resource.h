@@ -115,3 +115,10 @@
 #define IDS_FILTER_DATA_ALL_KINDS 39581
 #define IDS_MENU_TEXT_EDITOR 39593
 #define IDS_MENU_REPLAY 39594
+
+// ---- dialog templates: rename and text editor ----
+#define IDD_RENAME 1702
+#define IDC_RENAME_OLD_NAME 16812
+#define IDC_RENAME_NEW_NAME 16813
+#define IDD_EDIT_TEXT 1741
+#define IDC_EDIT_TEXT 16849
