@@ -1,0 +1,70 @@
+#pragma once
+// The FTP back end of StdioFile for a file on an instrument, used when the instrument link does not
+// reach the instrument. Reading and writing stream through a small buffer whatever the file's size.
+//
+// Thread rule: one thread at a time (the copy worker or the user-interface thread). Calls block for
+// at most the FTP time limits (see ftpconnection.h); they pump no window messages.
+#include "stdiofile.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+class FtpConnection;
+
+class NETFileImpl : public StdioFileImpl {
+public:
+    // Bytes held between libcurl and the caller in either direction (one libcurl chunk more at most).
+    static constexpr std::size_t kBufferSize = 256 * 1024;
+
+    // Opens `file` in `folder` on `host` (mapped through get_actual_host): reading unless the mode
+    // starts with 'w', ASCII transfers when the mode holds 't'. A failed open keeps its error.
+    NETFileImpl(const std::wstring& host, const std::wstring& folder, const std::wstring& file,
+                const std::wstring& mode);
+    // Writes out pending text, then ends the transfer (see Close).
+    ~NETFileImpl() override;
+    NETFileImpl(const NETFileImpl&) = delete;
+    NETFileImpl& operator=(const NETFileImpl&) = delete;
+
+    int Read(void* buffer, int count) override;
+    int Write(const void* buffer, int count) override;
+    bool ReadString(std::wstring& line) override;
+    int WriteString(const std::wstring& text) override;
+    int GetError() override;
+    int Tell() override { return -1; }
+    void Seek(int, int) override {}
+    int GetLength() override { return m_length; }
+    std::wstring GetErrorText() override;
+    const wchar_t* TransportName() const override { return L"FTP"; }
+
+    // Writes out pending text and ends the transfer. Writing: true only once the server confirmed the
+    // whole file (callers that rename an upload into place must check this). Reading: abandons the
+    // rest of the file. False when no file was open. Later calls return false and change nothing.
+    bool Close();
+    // The most bytes the buffer held at once, for checking that memory stays bounded.
+    std::size_t PeakBuffered() const { return m_peakBuffered; }
+
+private:
+    static size_t OnReceive(char* data, size_t size, size_t count, void* self);
+    static size_t OnSend(char* data, size_t size, size_t count, void* self);
+    void OpenForReading(bool ascii);
+    void OpenForWriting(const std::wstring& file, bool ascii);
+    void FlushPendingText();
+    std::size_t Buffered() const { return m_buffer.size() - m_head; }
+    void Append(const char* data, std::size_t size);
+    std::size_t Take(char* out, std::size_t size);
+    void ReleaseBuffer();
+
+    std::unique_ptr<FtpConnection> m_connection;
+    bool m_writing = false;
+    bool m_open = false;
+    bool m_transferStarted = false; // bytes arrived (reading) or libcurl asked for bytes (writing)
+    bool m_paused = false;          // a data callback paused libcurl: buffer full (reading) or empty
+    bool m_endOfData = false;       // writing: no more bytes will come, the upload may end
+    int m_length = -1;
+    std::string m_pendingText;
+    std::string m_buffer;
+    std::size_t m_head = 0;
+    std::size_t m_peakBuffered = 0;
+    struct curl_slist* m_preCommands = nullptr;
+};
