@@ -62,3 +62,4 @@ std::vector<AddCommand> CliCommands();
 
 void AddPingCommand(CLI::App& app, CliContext& ctx);
 void AddNextNameCommand(CLI::App& app, CliContext& ctx);
+void AddStatusCommand(CLI::App& app, CliContext& ctx);

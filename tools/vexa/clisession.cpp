@@ -11,6 +11,7 @@ std::vector<AddCommand> CliCommands() {
     return {
         AddPingCommand,
         AddNextNameCommand,
+        AddStatusCommand,
     };
 }
 
