@@ -11,16 +11,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-LoopbackPeer::LoopbackPeer(Handler handler, uint16_t port, const std::string& address, int backlog)
+LoopbackPeer::LoopbackPeer(Handler handler, uint16_t port, const std::string& address, int backlog,
+                           int receiveBuffer)
     : m_handler(std::move(handler)), m_address(address.empty() ? FreshLoopbackAddress() : address) {
     m_listen = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     int one = 1;
     setsockopt(m_listen, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
+    if (receiveBuffer > 0) // set before listen so accepted sockets inherit it
+        setsockopt(m_listen, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
     sockaddr_in sa{};
     sa.sin_family = AF_INET;
     sa.sin_port = htons(port);
     inet_pton(AF_INET, m_address.c_str(), &sa.sin_addr);
-    if (::bind(m_listen, reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0 || ::listen(m_listen, backlog) != 0) {
+    if (::bind(m_listen, reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0 ||
+        ::listen(m_listen, backlog) != 0) {
         ::close(m_listen);
         m_listen = -1;
         return;
@@ -40,7 +44,9 @@ LoopbackPeer::~LoopbackPeer() {
         ::close(m_listen);
 }
 
-std::wstring LoopbackPeer::host() const { return std::wstring(m_address.begin(), m_address.end()); }
+std::wstring LoopbackPeer::host() const {
+    return std::wstring(m_address.begin(), m_address.end());
+}
 
 void LoopbackPeer::AcceptLoop() {
     while (!m_stop) {
@@ -62,8 +68,9 @@ bool LoopbackPeer::ReadExactly(int socket, void* buffer, size_t count, int timeo
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     size_t got = 0;
     while (got < count) {
-        int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now())
-                           .count());
+        int left = int(
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now())
+                .count());
         if (left <= 0)
             return false;
         pollfd p{socket, POLLIN, 0};

@@ -26,12 +26,14 @@ void AddPingCommand(CLI::App& app, CliContext& ctx) {
                 out["error"] = {{"number", error}, {"meaning", Narrow(ErrorMeaning(error))}};
             std::cout << out.dump() << "\n";
         } else if (ok && !ctx.options.quiet) {
-            std::cout << *host << ": the instrument answers (link open and hello sent in " << elapsed << " ms)\n";
+            std::cout << *host << ": the instrument answers (link open and hello sent in " << elapsed
+                      << " ms)\n";
         }
         if (!ok) {
             if (!ctx.options.json)
                 PrintError(ctx, *host + ": cannot reach the instrument", error);
-            ctx.exitCode = error == kErrInvalid && !ISensorAddress(name).IsValid() ? kExitUsage : kExitUnreachable;
+            ctx.exitCode =
+                error == kErrInvalid && !ISensorAddress(name).IsValid() ? kExitUsage : kExitUnreachable;
         }
     });
 }

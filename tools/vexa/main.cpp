@@ -5,9 +5,10 @@
 
 int main(int argc, char** argv) {
     CliContext ctx;
-    CLI::App app{"vexa - work with a VEXARON instrument from a terminal.\n"
-                 "Remote files are named @HOST:/PATH, e.g. @10.0.0.5:/Data/run1.vxs.\n"
-                 "Exit codes: 0 success, 1 the operation failed, 2 usage, 3 the instrument could not be reached."};
+    CLI::App app{
+        "vexa - work with a VEXARON instrument from a terminal.\n"
+        "Remote files are named @HOST:/PATH, e.g. @10.0.0.5:/Data/run1.vxs.\n"
+        "Exit codes: 0 success, 1 the operation failed, 2 usage, 3 the instrument could not be reached."};
     app.set_help_all_flag("--help-all", "Show the help of every command");
     app.add_flag("--json", ctx.options.json, "Print machine-readable results");
     app.add_flag("-q,--quiet", ctx.options.quiet, "Print nothing but results and errors");

@@ -6,6 +6,10 @@ namespace {
 std::atomic<IVexaDialogLauncher*> g_launcher{nullptr};
 }
 
-void SetVexaDialogLauncher(IVexaDialogLauncher* launcher) { g_launcher.store(launcher); }
+void SetVexaDialogLauncher(IVexaDialogLauncher* launcher) {
+    g_launcher.store(launcher);
+}
 
-IVexaDialogLauncher* VexaDialogLauncher() { return g_launcher.load(); }
+IVexaDialogLauncher* VexaDialogLauncher() {
+    return g_launcher.load();
+}

@@ -61,8 +61,9 @@ long long ScoreFileName(const std::wstring& name, const std::wstring& stem, cons
     size_t dot = name.rfind(L'.');
     size_t end = name.size();
     if (dot != std::wstring::npos) {
-        bool match = (!extension.empty() && extension[0] == L'.') ? BeginsWithNoCase(name, dot, extension)
-                                                                  : BeginsWithNoCase(name, dot + 1, extension);
+        bool match = (!extension.empty() && extension[0] == L'.')
+                         ? BeginsWithNoCase(name, dot, extension)
+                         : BeginsWithNoCase(name, dot + 1, extension);
         if (!match)
             return -1;
         end = dot;
@@ -82,8 +83,9 @@ long long ScoreFileName(const std::wstring& name, const std::wstring& stem, cons
 
 } // namespace
 
-bool VEXASensorObject::GetFolderInfo(unsigned kind, std::wstring* workstationFolder, std::wstring* instrumentFolder,
-                                     std::wstring* filter, std::wstring* defaultExtension) {
+bool VEXASensorObject::GetFolderInfo(unsigned kind, std::wstring* workstationFolder,
+                                     std::wstring* instrumentFolder, std::wstring* filter,
+                                     std::wstring* defaultExtension) {
     if (kind >= kFolderKindCount)
         return false;
     const FolderKind& k = kFolderKinds[kind];
@@ -119,8 +121,8 @@ bool VEXASensorObject::GetFolderInfo(unsigned kind, std::wstring* workstationFol
     return true;
 }
 
-std::wstring VEXASensorObject::GetNextFileName(int kind, const std::wstring& prefix, const std::wstring& extension,
-                                               int digits) {
+std::wstring VEXASensorObject::GetNextFileName(int kind, const std::wstring& prefix,
+                                               const std::wstring& extension, int digits) {
     if (digits < 1 || prefix.empty() || kind < 0)
         return {};
     std::wstring workstation, instrument;
@@ -156,7 +158,8 @@ std::wstring VEXASensorObject::GetNextFileName(int kind, const std::wstring& pre
     return name;
 }
 
-std::vector<std::wstring> VEXASensorObject::ListFiles(int kind, uint32_t flags, const std::wstring& fileType) {
+std::vector<std::wstring> VEXASensorObject::ListFiles(int kind, uint32_t flags,
+                                                      const std::wstring& fileType) {
     std::vector<std::wstring> names;
     std::wstring workstation, instrument;
     if (kind < 0 || !GetFolderInfo(unsigned(kind), &workstation, &instrument, nullptr, nullptr))

@@ -14,9 +14,13 @@ void PutU32(uint8_t* p, uint32_t v) {
     p[3] = uint8_t(v >> 24);
 }
 
-uint16_t GetU16(const uint8_t* p) { return uint16_t(p[0] | (p[1] << 8)); }
+uint16_t GetU16(const uint8_t* p) {
+    return uint16_t(p[0] | (p[1] << 8));
+}
 
-uint32_t GetU32(const uint8_t* p) { return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24; }
+uint32_t GetU32(const uint8_t* p) {
+    return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+}
 
 void EncodeHeader(const FrameHeader& h, uint8_t out[kFrameHeaderSize]) {
     PutU32(out + 0, h.marker);

@@ -10,7 +10,7 @@ inline constexpr uint32_t kFrameMarker = 0x0A0B0C0D;
 inline constexpr int kFrameHeaderSize = 32;
 inline constexpr int kMaxPayload = 65536;
 inline constexpr int kRequestArgSize = 1024;
-inline constexpr int kRequestPayloadSize = 4 + 2 * kRequestArgSize; // 2,052
+inline constexpr int kRequestPayloadSize = 4 + 2 * kRequestArgSize;              // 2,052
 inline constexpr int kRequestFrameSize = kFrameHeaderSize + kRequestPayloadSize; // 2,084
 
 enum FrameKind : uint16_t {

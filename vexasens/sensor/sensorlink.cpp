@@ -22,22 +22,30 @@ namespace {
 
 #ifdef _WIN32
 constexpr int kSendFlags = 0;
-void CloseSocketHandle(LinkSocket s) { closesocket(s); }
+void CloseSocketHandle(LinkSocket s) {
+    closesocket(s);
+}
 bool MakeNonBlocking(LinkSocket s) {
     u_long on = 1;
     return ioctlsocket(s, FIONBIO, &on) == 0;
 }
-bool WouldBlock(int error) { return error == kWsaWouldBlock; }
+bool WouldBlock(int error) {
+    return error == kWsaWouldBlock;
+}
 #else
 constexpr int kSendFlags = MSG_NOSIGNAL; // a closed peer must give EPIPE, not kill the process
-void CloseSocketHandle(LinkSocket s) { ::close(s); }
+void CloseSocketHandle(LinkSocket s) {
+    ::close(s);
+}
 bool MakeNonBlocking(LinkSocket s) {
     int flags = fcntl(s, F_GETFL, 0);
     fcntl(s, F_SETFD, FD_CLOEXEC);
     return flags >= 0 && fcntl(s, F_SETFL, flags | O_NONBLOCK) == 0;
 }
 // EINTR is retried like a would-block result.
-bool WouldBlock(int error) { return error == kWsaWouldBlock || error == EINTR; }
+bool WouldBlock(int error) {
+    return error == kWsaWouldBlock || error == EINTR;
+}
 #endif
 
 // Zero-time-out readiness test of the connect poll ("select with the socket in the write set only").
@@ -160,7 +168,8 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
             Close();
             return;
         }
-        long n = ::send(m_socket, reinterpret_cast<const char*>(hello) + sent, int(sizeof hello) - sent, kSendFlags);
+        long n = ::send(m_socket, reinterpret_cast<const char*>(hello) + sent, int(sizeof hello) - sent,
+                        kSendFlags);
         if (n < 0) {
             int error = LastSocketError();
             if (!WouldBlock(error)) {
@@ -205,9 +214,13 @@ void SensorLink::SetLastError(int error) {
     m_lastError = error;
 }
 
-int SensorLink::Receive(void* buffer, int count) { return Transfer(buffer, count, false); }
+int SensorLink::Receive(void* buffer, int count) {
+    return Transfer(buffer, count, false);
+}
 
-int SensorLink::Send(const void* buffer, int count) { return Transfer(const_cast<void*>(buffer), count, true); }
+int SensorLink::Send(const void* buffer, int count) {
+    return Transfer(const_cast<void*>(buffer), count, true);
+}
 
 // The receive must finish within its limit counted from the start of the call, whatever progress is
 // made; a send fails only after its limit passes without any progress.

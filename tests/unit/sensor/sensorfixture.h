@@ -7,7 +7,8 @@
 #include <vector>
 
 struct SensorHandle {
-    explicit SensorHandle(const std::wstring& host) : sensor(new VEXASensorObject(nullptr, ISensorAddress(host))) {}
+    explicit SensorHandle(const std::wstring& host)
+        : sensor(new VEXASensorObject(nullptr, ISensorAddress(host))) {}
     ~SensorHandle() { sensor->DecRef(); }
     VEXASensorObject* operator->() const { return sensor; }
     VEXASensorObject* sensor;
