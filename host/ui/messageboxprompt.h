@@ -1,0 +1,11 @@
+#pragma once
+// The real prompt: message boxes, and the overwrite dialog for overwrite questions.
+#include "prompt.h"
+
+class CMessageBoxPrompt : public IPrompt {
+public:
+    int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent) override;
+    void Message(const std::wstring& text, const std::wstring& caption, PromptIcon icon,
+                 QWidget* parent) override;
+    int AskOverwrite(const std::wstring& name, const std::wstring& description, QWidget* parent) override;
+};

@@ -1,0 +1,19 @@
+#pragma once
+// A sensor notification delivered to a window's thread as a posted event (the WM_USER+1 path).
+#include "sensorevent.h"
+
+#include <QEvent>
+
+class CSensorNotifyEvent : public QEvent {
+public:
+    // The type windows receive unless they ask for another: QEvent::User + 1.
+    static constexpr int kDefaultType = QEvent::User + 1;
+
+    CSensorNotifyEvent(int type, ISensorEvent event)
+        : QEvent(static_cast<QEvent::Type>(type)), m_event(std::move(event)) {}
+
+    const ISensorEvent& SensorEvent() const { return m_event; }
+
+private:
+    ISensorEvent m_event;
+};
