@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     LoopbackPeer peer([](int s) {
         uint8_t hello[42];
         LoopbackPeer::ReadExactly(s, hello, sizeof hello, 2000);
-    });
+    }, kLinkPort, {}, 4096); // a deep queue: the rounds come faster than the peer accepts
     if (!peer.listening()) {
         std::fprintf(stderr, "cannot listen on %s:4840\n", peer.address().c_str());
         return 1;
