@@ -3,6 +3,8 @@
 // type through them. Within this file they are built top to bottom and destroyed in reverse, so the
 // string table is registered before anything reads a text and stays until everything else is gone.
 #include "stringtable.h"
+#include "vexafileinfoimplfactory.h"
+#include "vexastdiofileimplfactory.h"
 #include "vexasensorinfo.h"
 
 namespace {
@@ -19,5 +21,9 @@ VexaStringsRegistration g_strings;
 
 // The one plug-in description of the module.
 VEXASensorInfo g_sensorInfo;
+
+// The file back-end factories: instrument names reach the link (or FTP) through them.
+VexaStdioFileImplFactory g_stdioFileFactory;
+VexaFileInfoImplFactory g_fileInfoFactory;
 
 } // namespace
