@@ -10,6 +10,10 @@
 inline constexpr int kFtpCurlErrorBase = 12000;
 // libcurl's result codes stay below this; numbers from kFtpCurlErrorBase up to here are ours.
 inline constexpr int kFtpCurlErrorLimit = 12200;
+// The ones a caller may want to tell apart: the instrument is not reachable over FTP.
+inline constexpr int kFtpErrCannotResolve = kFtpCurlErrorBase + 6;
+inline constexpr int kFtpErrCannotConnect = kFtpCurlErrorBase + 7;
+inline constexpr int kFtpErrTimedOut = kFtpCurlErrorBase + 28;
 
 // A short meaning of an FTP back-end error number ("file not found or not accessible"); empty when the
 // number is not one of the FTP numbers above.

@@ -17,6 +17,6 @@ bool FtpDelete(const std::wstring& host, const std::wstring& folder, const std::
                std::wstring* text);
 
 // How long an FTP transfer may go without a byte or a reply moving while a caller waits on it before
-// it fails with kFtpCurlErrorBase + 28 (timed out). 30 s unless set; process-wide.
+// it fails with kFtpErrTimedOut. 30 s unless set; process-wide.
 void SetFtpStallTimeout(std::chrono::milliseconds limit);
 std::chrono::milliseconds FtpStallTimeout();

@@ -206,6 +206,8 @@ bool NETFileImpl::Close() {
             m_connection->Resume();
         }
         ok = m_connection->DriveUntil([] { return false; });
+    } else {
+        ok = !m_connection->Failed();
     }
     m_connection->Stop();
     ReleaseBuffer();

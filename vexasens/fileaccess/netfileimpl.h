@@ -39,7 +39,8 @@ public:
 
     // Writes out pending text and ends the transfer. Writing: true only once the server confirmed the
     // whole file (callers that rename an upload into place must check this). Reading: abandons the
-    // rest of the file. False when no file was open. Later calls return false and change nothing.
+    // rest of the file; false when the transfer had failed. False when no file was open; later calls
+    // return false and change nothing.
     bool Close();
     // The most bytes the buffer held at once, for checking that memory stays bounded.
     std::size_t PeakBuffered() const { return m_peakBuffered; }

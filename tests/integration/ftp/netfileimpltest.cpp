@@ -262,6 +262,23 @@ TEST_F(FtpTest, MemoryStaysBoundedWhateverTheFileSize) {
     EXPECT_LE(file->PeakBuffered(), NETFileImpl::kBufferSize + kCurlChunk);
 }
 
+TEST_F(FtpTest, ClosingAPartlyReadFileIsQuickAndLeavesTheServerUsable) {
+    const std::string content = RandomBytes(32 * 1024 * 1024, 5);
+    m_home.createFile("Data/long.bin", content);
+    for (int round = 0; round < 3; ++round) {
+        auto file = Open(L"/Data", L"long.bin", L"rb");
+        char block[65536];
+        ASSERT_EQ(file->Read(block, sizeof block), static_cast<int>(sizeof block));
+        EXPECT_EQ(std::string(block, sizeof block), content.substr(0, sizeof block));
+        const auto start = Clock::now();
+        EXPECT_TRUE(file->Close());
+        EXPECT_LT(SecondsSince(start), 5.0);
+        EXPECT_EQ(file->Read(block, 1), 0);
+        EXPECT_EQ(file->GetError(), 9);
+    }
+    EXPECT_EQ(Download(L"/Data", L"long.bin", L"rb").size(), content.size());
+}
+
 TEST_F(FtpTest, AServerThatDiesMidTransferFailsTheReadQuickly) {
     m_home.createFile("Data/huge.bin", RandomBytes(64 * 1024 * 1024, 3));
     auto file = Open(L"/Data", L"huge.bin", L"rb");
@@ -295,7 +312,7 @@ TEST_F(FtpTest, AServerThatStopsAnsweringTimesOut) {
              reads < 100 && (got = file->Read(block.data(), static_cast<int>(block.size()))) > 0;)
             ++reads;
         EXPECT_EQ(got, -1);
-        EXPECT_EQ(file->GetError(), kFtpCurlErrorBase + 28);
+        EXPECT_EQ(file->GetError(), kFtpErrTimedOut);
         EXPECT_LT(SecondsSince(start), 15.0);
         m_server.Thaw();
     }
@@ -310,7 +327,7 @@ TEST_F(FtpTest, AServerThatStopsAnsweringTimesOut) {
     if (!failed)
         failed = !file->Close();
     EXPECT_TRUE(failed);
-    EXPECT_EQ(file->GetError(), kFtpCurlErrorBase + 28);
+    EXPECT_EQ(file->GetError(), kFtpErrTimedOut);
     EXPECT_LT(SecondsSince(start), 15.0);
 }
 
@@ -378,7 +395,7 @@ TEST(FtpNoServerTest, AnAddressWithNobodyListeningFailsQuickly) {
     for (const wchar_t* mode : {L"rb", L"wb"}) {
         const auto start = Clock::now();
         NETFileImpl file(host, L"/Data", L"run.vxs", mode);
-        EXPECT_EQ(file.GetError(), kFtpCurlErrorBase + 7); // could not connect
+        EXPECT_EQ(file.GetError(), kFtpErrCannotConnect);
         EXPECT_FALSE(file.GetErrorText().empty());
         EXPECT_FALSE(FtpErrorMeaning(file.GetError()).empty());
         EXPECT_LT(SecondsSince(start), 10.0);
