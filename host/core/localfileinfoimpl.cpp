@@ -55,8 +55,15 @@ public:
             return Fail(errno);
         const bool root = IsRootFolder(dirPath);
         const std::string prefix = dirPath.back() == '/' ? dirPath : dirPath + "/";
-        errno = 0;
-        while (const dirent* item = readdir(dir.get())) {
+        for (;;) {
+            // readdir leaves errno alone at the end, so only a value set by this call means failure.
+            errno = 0;
+            const dirent* item = readdir(dir.get());
+            if (item == nullptr) {
+                if (errno != 0)
+                    return Fail(errno);
+                break;
+            }
             const std::string name = item->d_name;
             if (name == "." || (name == ".." && root))
                 continue;
@@ -71,8 +78,6 @@ public:
             FillEntry(entry, wideName, st);
             entries.push_back(std::move(entry));
         }
-        if (errno != 0)
-            return Fail(errno);
         return Succeed();
     }
 

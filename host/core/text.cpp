@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <cwctype>
 
+#ifndef _WIN32
+#include <clocale>
+#include <locale.h>
+#include <wctype.h>
+#endif
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -123,20 +129,35 @@ std::wstring FromUtf8(std::string_view text) {
     return out;
 }
 
+wchar_t ToLowerChar(wchar_t c) {
+#ifndef _WIN32
+    // Made once; a missing UTF-8 locale leaves the process locale's towlower.
+    static const locale_t utf8 = [] {
+        locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+        if (made == static_cast<locale_t>(0))
+            made = newlocale(LC_CTYPE_MASK, "en_US.UTF-8", static_cast<locale_t>(0));
+        return made;
+    }();
+    if (c >= 0x80 && utf8 != static_cast<locale_t>(0))
+        return static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), utf8));
+#endif
+    return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+}
+
 std::wstring ToLowerW(std::wstring_view text) {
     std::wstring out(text);
     for (auto& c : out)
-        c = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+        c = ToLowerChar(c);
     return out;
 }
 
 int CompareNoCase(std::wstring_view a, std::wstring_view b) {
     const size_t n = std::min(a.size(), b.size());
     for (size_t i = 0; i < n; ++i) {
-        const wint_t ca = std::towlower(static_cast<wint_t>(a[i]));
-        const wint_t cb = std::towlower(static_cast<wint_t>(b[i]));
+        const wchar_t ca = ToLowerChar(a[i]);
+        const wchar_t cb = ToLowerChar(b[i]);
         if (ca != cb)
-            return ca < cb ? -1 : 1;
+            return static_cast<char32_t>(ca) < static_cast<char32_t>(cb) ? -1 : 1;
     }
     if (a.size() == b.size())
         return 0;

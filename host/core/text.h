@@ -8,9 +8,12 @@ std::string ToUtf8(std::wstring_view text);
 // Invalid UTF-8 sequences become U+FFFD, so bad bytes from the wire never throw.
 std::wstring FromUtf8(std::string_view text);
 
-// Lower-cases character by character through towlower.
+// towlower with Unicode case tables whatever the process locale (the "C" locale folds ASCII only), so
+// the CLI and the studio sort and compare names alike.
+wchar_t ToLowerChar(wchar_t c);
+// Lower-cases character by character through ToLowerChar.
 std::wstring ToLowerW(std::wstring_view text);
-// Case-insensitive comparison through towlower, with the ordering of _wcsicmp.
+// Case-insensitive comparison through ToLowerChar, with the ordering of _wcsicmp.
 int CompareNoCase(std::wstring_view a, std::wstring_view b);
 bool EqualsNoCase(std::wstring_view a, std::wstring_view b);
 // Ends with/starts with, case-sensitive.

@@ -2,13 +2,12 @@
 
 #include "text.h"
 
-#include <cwctype>
 #include <string_view>
 
 namespace {
 
 wchar_t Fold(wchar_t c, bool caseSensitive) {
-    return caseSensitive ? c : static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+    return caseSensitive ? c : ToLowerChar(c);
 }
 
 // One pattern with '*' (any run) and '?' (one character); greedy with a single backtrack point,

@@ -51,6 +51,10 @@ TEST(Text, CaseInsensitiveComparison) {
     EXPECT_LT(CompareNoCase(L"[", L"A"), 0);
     EXPECT_LT(CompareNoCase(L"_x", L"AX"), 0);
     EXPECT_EQ(ToLowerW(L"MiXeD 123"), L"mixed 123");
+    // Non-ASCII letters fold whatever the process locale is.
+    EXPECT_EQ(ToLowerW(L"\u00c4RGER \u0391"), L"\u00e4rger \u03b1");
+    EXPECT_TRUE(EqualsNoCase(L"\u00c4rger.MTH", L"\u00e4rger.mth"));
+    EXPECT_LT(CompareNoCase(L"z", L"\u00e4"), 0);
     EXPECT_EQ(ReplaceAll(L"a\\Vexa\\b\\Vexa", L"\\Vexa", L""), L"a\\b");
     EXPECT_EQ(ReplaceAll(L"aaa", L"a", L"aa"), L"aaaaaa");
     EXPECT_EQ(ReplaceAll(L"abc", L"", L"x"), L"abc");
