@@ -31,6 +31,14 @@ void Unregister(ISensorObject* sensor) {
 
 std::atomic<uint32_t> g_nextSensorId{1};
 
+// Guards the plain data fields of every sensor (name, active process, parameter store, recipe list).
+// A leaf lock: nothing is called out while it is held, so it never orders against the observers' or
+// the registry's lock.
+std::mutex& DataMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
 // Sensors whose Disconnect is running on this thread: a Disconnect that the link or the channel raises
 // again from inside it returns at once.
 thread_local std::vector<const ISensorObject*> t_disconnecting;
@@ -145,10 +153,12 @@ void ISensorObject::RaiseEvent(uint32_t code, const std::wstring& text) {
 // ---- identity and devices ----
 
 std::wstring ISensorObject::GetName() const {
+    std::lock_guard lock(DataMutex());
     return m_name;
 }
 
 void ISensorObject::SetName(const std::wstring& name) {
+    std::lock_guard lock(DataMutex());
     m_name = name;
 }
 
@@ -206,10 +216,12 @@ bool ISensorObject::KeepOffline() const {
 }
 
 std::wstring ISensorObject::GetActiveProcess() const {
+    std::lock_guard lock(DataMutex());
     return m_activeProcess;
 }
 
 void ISensorObject::SetActiveProcess(const std::wstring& process) {
+    std::lock_guard lock(DataMutex());
     m_activeProcess = process;
 }
 
@@ -348,7 +360,7 @@ std::vector<ISensorObject*> ISensorObject::AllSensors() {
 // ---- folders ----
 
 std::wstring ISensorObject::GetSensorDir(const std::wstring& sub, bool create) const {
-    std::wstring dir = JoinPath(PXGetRootDir(), m_name, kNativeSeparator);
+    std::wstring dir = JoinPath(PXGetRootDir(), GetName(), kNativeSeparator);
     if (!sub.empty()) {
         std::wstring native = sub;
         std::replace(native.begin(), native.end(), L'/', kNativeSeparator);
@@ -385,7 +397,7 @@ bool ISensorObject::SetParam(uint32_t id, const void* buffer, uint32_t size, uin
 bool ISensorObject::GetSensorParam(uint32_t id, void* buffer, uint32_t size, uint32_t index) {
     if (buffer == nullptr && size != 0)
         return false;
-    std::lock_guard lock(m_observerMutex);
+    std::lock_guard lock(DataMutex());
     auto it = m_params.find({id, index});
     if (it == m_params.end())
         return false;
@@ -401,7 +413,7 @@ bool ISensorObject::GetSensorParam(uint32_t id, void* buffer, uint32_t size, uin
 bool ISensorObject::SetSensorParam(uint32_t id, const void* buffer, uint32_t size, uint32_t index) {
     if (buffer == nullptr && size != 0)
         return false;
-    std::lock_guard lock(m_observerMutex);
+    std::lock_guard lock(DataMutex());
     m_params[{id, index}] = std::string(static_cast<const char*>(buffer), size);
     return true;
 }
@@ -557,7 +569,7 @@ std::wstring PlainName(const std::wstring& path) {
 } // namespace
 
 std::vector<std::wstring> ISensorObject::GetMRURecipe(bool fullNames) const {
-    std::lock_guard lock(m_observerMutex);
+    std::lock_guard lock(DataMutex());
     if (fullNames)
         return m_mru;
     std::vector<std::wstring> names;
@@ -567,7 +579,7 @@ std::vector<std::wstring> ISensorObject::GetMRURecipe(bool fullNames) const {
 }
 
 void ISensorObject::RemoveMRURecipe(int index) {
-    std::lock_guard lock(m_observerMutex);
+    std::lock_guard lock(DataMutex());
     if (index >= 0 && static_cast<size_t>(index) < m_mru.size())
         m_mru.erase(m_mru.begin() + index);
 }
@@ -575,7 +587,7 @@ void ISensorObject::RemoveMRURecipe(int index) {
 void ISensorObject::SaveMRURecipe(const std::wstring& recipe) {
     if (recipe.empty())
         return;
-    std::lock_guard lock(m_observerMutex);
+    std::lock_guard lock(DataMutex());
     std::erase_if(m_mru, [&](const std::wstring& item) { return EqualsNoCase(item, recipe); });
     m_mru.insert(m_mru.begin(), recipe);
     if (m_mru.size() > kMaxRecipes)
