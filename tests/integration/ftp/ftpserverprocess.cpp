@@ -20,6 +20,7 @@ extern char** environ;
 namespace {
 
 constexpr int kStartTimeoutMs = 15000;
+constexpr int kExitWaitMs = 5000;
 
 // The Debian package installs pyftpdlib for the system interpreter, which a python3 earlier on PATH
 // (pyenv, venv) may not see: the system one is tried first.
@@ -54,6 +55,19 @@ std::string ReadFirstLine(int fd, int timeoutMs) {
         line.append(chunk, static_cast<size_t>(got));
     }
     return line.substr(0, line.find('\n'));
+}
+
+// The exit code of a server that gave up (the reason is in its code), or -1 after killing it.
+int ExitCodeWithin(pid_t pid, int timeoutMs) {
+    int status = 0;
+    for (int waited = 0; waited < timeoutMs; waited += 10) {
+        if (waitpid(pid, &status, WNOHANG) == pid)
+            return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        usleep(10 * 1000);
+    }
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+    return -1;
 }
 
 } // namespace
@@ -101,10 +115,7 @@ bool FtpServerProcess::Start(const std::string& home, const std::string& user, s
             m_pid = pid;
             return true;
         }
-        kill(pid, SIGKILL);
-        int status = 0;
-        waitpid(pid, &status, 0);
-        const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        const int code = ExitCodeWithin(pid, kExitWaitMs);
         lastReason = python + ": " + (line.empty() ? std::string("no answer") : line);
         if (code == 3) { // the address cannot be bound: another interpreter will not do better
             *whyNot = lastReason + " (port 21 needs root or CAP_NET_BIND_SERVICE)";
