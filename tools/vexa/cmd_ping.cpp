@@ -15,6 +15,11 @@ void AddPingCommand(CLI::App& app, CliContext& ctx) {
     cmd->add_option("HOST", *host, "The instrument's address or host name")->required();
     cmd->callback([&ctx, host] {
         std::wstring name = HostOperand(*host);
+        if (!ISensorAddress(name).IsValid()) {
+            PrintError(ctx, *host + ": not a valid instrument address", 0);
+            ctx.exitCode = kExitUsage;
+            return;
+        }
         CliSession session;
         int error = 0;
         uint32_t start = TickCount();
