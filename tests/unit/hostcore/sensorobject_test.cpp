@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -43,7 +44,7 @@ public:
     bool allowOpen = true;
     bool disconnectInsideConnect = false;
     bool disconnectInsideClose = false;
-    int connectCalls = 0;
+    std::atomic<int> connectCalls{0};
 
 private:
     bool* m_destroyed;
