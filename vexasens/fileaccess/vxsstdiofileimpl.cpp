@@ -67,6 +67,7 @@ VXSStdioFileImpl::VXSStdioFileImpl(const std::wstring& host, const std::wstring&
             m_broken = true;
             return;
         }
+        m_streaming = true;
         m_fileLength = int(m_header.extra);
         return;
     }
@@ -136,6 +137,8 @@ void VXSStdioFileImpl::Close() {
         m_header.flags &= uint16_t(~kFlagMore);
         SendBuffer();
     }
+    if (m_openForReading && m_streaming && !m_endOfFile && !m_outOfStep && m_sensor)
+        DrainRead();
     // Gives the instrument time to finish the file before the next request.
     if (m_requestSent)
         PumpWait(kCloseWaitMs);
@@ -156,6 +159,7 @@ bool VXSStdioFileImpl::SendBuffer() {
 bool VXSStdioFileImpl::ReceiveFrame() {
     if (m_sensor->ReceiveBytes(m_frame, kFrameHeaderSize) != kFrameHeaderSize) {
         m_header.length = 0;
+        m_outOfStep = true;
         return false;
     }
     m_header = DecodeHeader(m_frame);
@@ -164,14 +168,30 @@ bool VXSStdioFileImpl::ReceiveFrame() {
     if (m_header.length > uint32_t(kMaxPayload)) {
         m_error = kErrTooLarge;
         m_header.length = 0;
+        m_outOfStep = true;
         return false;
     }
     const int length = int(m_header.length);
     if (m_sensor->ReceiveBytes(m_frame + kFrameHeaderSize, length) != length) {
         m_header.length = 0;
+        m_outOfStep = true;
         return false;
     }
     return true;
+}
+
+void VXSStdioFileImpl::DrainRead() {
+    // A file closed before its end leaves the instrument's remaining frames on the link; they are
+    // taken off here so that the next request's answer is not mistaken for them. Each receive is
+    // bounded by the link's time limit, and a failure ends the wait.
+    while (m_sensor->IsSocketValid() && ReceiveFrame()) {
+        if (m_header.kind == kFrameReply && m_header.argument == m_transferId && m_header.length >= 4 &&
+            GetU32(m_frame + kFrameHeaderSize) != 0)
+            break;
+        if (m_header.kind == kFrameData && (m_header.flags & kFlagMore) == 0)
+            break;
+    }
+    m_endOfFile = true;
 }
 
 bool VXSStdioFileImpl::FetchData(uint32_t transferId) {
@@ -190,6 +210,7 @@ bool VXSStdioFileImpl::FetchData(uint32_t transferId) {
                 m_error = int(status);
                 m_replyText = ReplyText(payload, m_header.length);
                 m_header.length = 0;
+                m_endOfFile = true; // the instrument has ended this transfer
                 return false;
             }
         }

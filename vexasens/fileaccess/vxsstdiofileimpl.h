@@ -53,6 +53,7 @@ private:
     bool ParseMode(const std::wstring& mode);
     bool FetchData(uint32_t transferId);
     bool ReceiveFrame();
+    void DrainRead();
     bool SendBuffer();
     void ResetDataHeader();
 
@@ -69,7 +70,9 @@ private:
     bool m_writeOpened = false; // the open-for-writing request went out whole
     bool m_requestSent = false; // a request reached the link, so the instrument is owed the close wait
     bool m_closed = false;
-    bool m_broken = false; // a frame failed: the stream is out of step, later reads fail
+    bool m_broken = false;    // a frame failed: later reads fail rather than skip a hole
+    bool m_streaming = false; // the first data frame arrived: the rest follows on the link
+    bool m_outOfStep = false; // a frame was cut short: the link's byte stream cannot be trusted
     uint32_t m_transferId = 0;
     // Header bytes directly followed by the payload, so a data frame leaves in one send.
     uint8_t m_frame[kFrameHeaderSize + kMaxPayload];

@@ -19,9 +19,14 @@
 class ISensorObject;
 
 // Called with true before a listing starts and with false when it ends, so a user interface can show
-// a wait cursor. Set once by the user interface; the command line and tests leave it empty.
+// a wait cursor. Set once by the user interface; the command line and tests leave it empty. It runs on
+// the thread that lists, which may be a copy worker: a user interface acts only on its own thread.
 using FileListBusyHook = std::function<void(bool busy)>;
 void SetFileListBusyHook(FileListBusyHook hook);
+
+// Whether an entry stands for a folder: a negative size (the listing's mark for a non-file) or the
+// folder attribute.
+bool IsFolderEntry(const FileInfo& entry);
 
 class CVexaFileList {
 public:
@@ -31,9 +36,10 @@ public:
     static constexpr const wchar_t* kTemporaryPrefix = L"___temp@@";
     static constexpr int kCopyBlockSize = 16384;
 
-    // Splits `startPath` ("@HOST:/folder" or a workstation folder) into host and folder and reads the
-    // folder at once when it is local, or remote and the sensor is on line. `sensor` may be null for a
-    // workstation list; it is not owned.
+    // Splits `startPath` with ParseFilename into host and folder and reads the folder at once when it
+    // is local, or remote and the sensor is on line. The folder is the part before the last separator:
+    // pass a folder with a trailing separator (FolderArgument gives that form) or a file inside it.
+    // `sensor` may be null (a workstation list, or an instrument list found by host); not owned.
     CVexaFileList(ISensorObject* sensor, const std::wstring& startPath);
     // As above, but reading only when `readNow` is true (a single-file copy needs no listing).
     CVexaFileList(ISensorObject* sensor, const std::wstring& startPath, bool readNow);
@@ -41,7 +47,10 @@ public:
     CVexaFileList(const CVexaFileList&) = delete;
     CVexaFileList& operator=(const CVexaFileList&) = delete;
 
-    // Moves the list to another folder (same host rules as the constructor) and reads it.
+    // "@HOST:/folder/" for an instrument folder, "folder/" for a workstation one.
+    static std::wstring FolderArgument(const std::wstring& host, const std::wstring& folder);
+
+    // Moves the list to another folder (same rules as the constructor) and reads it.
     bool ReadFolder(const std::wstring& path);
     // Re-reads the current folder; false (and an empty list) when it cannot be listed.
     bool Refresh();
@@ -65,7 +74,7 @@ public:
     // Copies one entry of `source` into this folder under `destinationName` (empty: the entry's own
     // name). A folder is only made, not filled. A file is written under the temporary prefix and put in
     // place once complete; an existing file of the final name is replaced only then. `progress` may be
-    // null; a cancel deletes the temporary file and returns false.
+    // null; a cancel deletes the temporary file and returns false with LastError() ECANCELED.
     bool CopyIn(const FileInfo& entry, const CVexaFileList& source, ICopyProgress* progress,
                 const std::wstring& destinationName = {});
 
@@ -101,7 +110,7 @@ public:
 
 private:
     bool SetPath(const std::wstring& path);
-    void ReadIfReachable();
+    bool ReadIfReachable();
     void SetError(int error, const std::wstring& text = {});
     void TakeFileInfoError();
     void CopyTimes(const FileInfo& entry, const CVexaFileList& source, const std::wstring& finalName);

@@ -1,6 +1,7 @@
 // The link file back end against a scripted instrument: exact request and data frames, the mode and
 // path rules, and how reads treat replies, foreign frames, compression and oversized frames.
 #include "scriptedinstrument.h"
+#include "vxsfileinfoimpl.h"
 #include "vxsstdiofileimpl.h"
 #include "winsockerror.h"
 
@@ -417,4 +418,26 @@ TEST(LinkFileRead, ALinkThatFailsMidFileFailsTheRead) {
     EXPECT_LT(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count(), 4500);
     EXPECT_EQ(file.GetError(), 0) << "link failures stay in the sensor";
     EXPECT_NE(sensor->GetLastLinkError(), 0);
+}
+
+TEST(LinkFileClose, AFileClosedBeforeItsEndLeavesTheLinkInStep) {
+    ScriptedInstrument instrument([](const PeerFrame& frame, int socket) {
+        if (frame.command() == 3)
+            Send(socket, Concat({DataFrame(frame.argument(), 0x8000, Bytes("aaaa"), 12),
+                                 DataFrame(frame.argument(), 0x8000, Bytes("bbbb")),
+                                 DataFrame(frame.argument(), 0, Bytes("cccc"))}));
+        if (frame.command() == 7)
+            Send(socket, ReplyFrame(frame.argument(), 17, "already exists"));
+    });
+    OnlineSensor sensor(instrument);
+    ASSERT_TRUE(sensor.online());
+    auto file = std::make_unique<VXSStdioFileImpl>(instrument.host(), L"/f", L"r");
+    char buffer[2];
+    ASSERT_EQ(file->Read(buffer, 2), 2);
+    file.reset();
+    // The next request's answer is its own, not the rest of the file.
+    VXSFileInfoImpl folders(instrument.host());
+    EXPECT_FALSE(folders.MkDir(L"/x"));
+    EXPECT_EQ(folders.LastReplyStatus(), 17u);
+    EXPECT_EQ(folders.GetErrorText(), L"instrument status 17: already exists");
 }
