@@ -1,0 +1,180 @@
+// The instrument model, the status panel and notifications against the real simulator.
+#include "pumpwait.h"
+#include "sensorobserver.h"
+#include "simulator.h"
+#include "stringtable.h"
+#include "tempdir.h"
+#include "vexadevice.h"
+#include "vexasensorinfo.h"
+#include "vexasensorobject.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace {
+
+class RecordingObserver : public ISensorObserver {
+public:
+    void OnSensorEvent(const ISensorEvent& event) override {
+        std::lock_guard lock(m_mutex);
+        m_events.push_back(event);
+    }
+    bool Has(uint32_t code, std::wstring* text = nullptr) const {
+        std::lock_guard lock(m_mutex);
+        for (const ISensorEvent& event : m_events) {
+            if (event.code == code) {
+                if (text)
+                    *text = event.text;
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<ISensorEvent> m_events;
+};
+
+// A simulator with a fixed profile and a sensor object made by the VEXA sensor type, on line.
+class SimulatedSensor : public ::testing::Test {
+protected:
+    void Start(const std::string& profile) {
+        RegisterVexaStrings();
+        m_info.Initialize(nullptr);
+        const std::string profilePath = m_dir.createFile("profile.json", profile);
+        m_sim = std::make_unique<SimulatorProcess>(m_dir.createDir("root"),
+                                                   std::vector<std::string>{"--profile", profilePath});
+        m_sensor = dynamic_cast<VEXASensorObject*>(
+            m_info.CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
+        ASSERT_NE(m_sensor, nullptr);
+        ASSERT_TRUE(m_sensor->GoOnline()) << m_sensor->GetLastLinkError();
+        ASSERT_TRUE(m_sensor->GetChannel() && m_sensor->GetChannel()->IsOpen());
+    }
+    void TearDown() override {
+        if (m_sensor) {
+            m_sensor->Disconnect(0);
+            m_sensor->DecRef();
+        }
+    }
+    // Polls (bounded) until `done` holds.
+    template <typename Condition> bool PollUntil(Condition done, uint32_t limitMs) {
+        const uint32_t start = TickCount();
+        for (;;) {
+            m_sensor->OnTimer(0);
+            if (done())
+                return true;
+            if (TickCount() - start > limitMs)
+                return false;
+            PumpWait(100);
+        }
+    }
+
+    TempDir m_dir;
+    VEXASensorInfo m_info;
+    std::unique_ptr<SimulatorProcess> m_sim;
+    VEXASensorObject* m_sensor = nullptr;
+};
+
+TEST_F(SimulatedSensor, SnapshotFromTheSimulatorsStatusAnswer) {
+    Start(R"({"drift": false, "model": 2, "cartridge": 0, "injectionPort": 1, "accessory": 7,
+              "heaters": {"1": 1234, "2": -5}, "accessoryHeaters": {"26": 1197, "29": 1003},
+              "carrierControlPres": 139, "totalPres": "nan", "omitKeys": ["neg"],
+              "methodMRU": ["/Method/a.mth", "/Method/Sub/b.mth"]})");
+    EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
+    m_sensor->OnTimer(0);
+    ASSERT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
+
+    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    bool available = false;
+    EXPECT_EQ(device.getModel(&available), 2);
+    EXPECT_TRUE(available);
+    EXPECT_TRUE(device.getInjectionPort());
+    EXPECT_FALSE(device.getCartridge());
+    EXPECT_EQ(device.getAccessory(), 7);
+    EXPECT_EQ(device.getHeaterTemp(1).tenths, 1234);
+    EXPECT_EQ(device.getHeaterTemp(2).tenths, -5);
+    EXPECT_EQ(device.getAccessoryHeaterTemp(29).tenths, 1003);
+    EXPECT_EQ(device.getCarrierVSOControlPres(), 139);
+    EXPECT_TRUE(std::isnan(device.getTotalPres(&available)));
+    EXPECT_TRUE(available);
+    device.getNEG(&available);
+    EXPECT_FALSE(available);
+    EXPECT_EQ(device.getActiveProcess(&available), L"");
+    EXPECT_TRUE(available);
+
+    // The panel as the host shows it.
+    EXPECT_EQ(m_sensor->GetStatusLabel(0, 3), L"");
+    EXPECT_EQ(m_sensor->GetStatusValue(0, 3), L"139");
+    EXPECT_NE(m_sensor->GetStatusValue(0, 4).find(L"nan"), std::wstring::npos);
+    EXPECT_EQ(m_sensor->GetStatusValue(1, 0), L"123.4");
+    EXPECT_EQ(m_sensor->GetStatusValue(1, 1), L"-0.5");
+    EXPECT_EQ(m_sensor->GetStatusValue(1, 4), L"Not Available");
+    EXPECT_EQ(m_sensor->GetStatusLineCount(2), 3);
+    EXPECT_EQ(m_sensor->GetStatusValue(2, 1), L"119.7");
+    EXPECT_EQ(m_sensor->GetStatusValue(2, 2), L"100.3");
+
+    const std::vector<std::wstring> names = {L"a.mth", L"b.mth"};
+    EXPECT_EQ(m_sensor->GetInstrumentMethodMRU(false), names);
+    const std::wstring host = m_sensor->GetSensorAddress().GetHostname();
+    const std::vector<std::wstring> full = {L"@" + host + L":/Method/a.mth",
+                                            L"@" + host + L":/Method/Sub/b.mth"};
+    EXPECT_EQ(m_sensor->GetInstrumentMethodMRU(true), full);
+}
+
+TEST_F(SimulatedSensor, ParametersAndReadiness) {
+    Start(R"({"parameters": {"5:0": "00000000", "40:1": "c0ffee"}})");
+    EXPECT_FALSE(m_sensor->IsInstrumentReady());
+    uint8_t value[3] = {};
+    ASSERT_TRUE(m_sensor->GetParam(40, value, 3, 1));
+    EXPECT_EQ(value[0], 0xC0);
+    EXPECT_EQ(value[2], 0xEE);
+    const uint8_t ready[4] = {1, 0, 0, 0};
+    ASSERT_TRUE(m_sensor->SetParam(5, ready, 4, 0));
+    EXPECT_TRUE(m_sensor->IsInstrumentReady());
+}
+
+TEST_F(SimulatedSensor, MethodRunsAndItsEndReachesAnObserver) {
+    Start(R"({"methodSeconds": 0.5})");
+    RecordingObserver observer;
+    observer.SetSensor(m_sensor);
+    m_sensor->OnTimer(0);
+
+    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    ASSERT_TRUE(device.runMethod(L"\"/Data/run1.vxs\" -speed=2")) << device.getLastError();
+    EXPECT_FALSE(device.runMethod(L"\"/Data/run2.vxs\"")); // one at a time
+    EXPECT_NE(device.getLastError(), 0);
+    EXPECT_FALSE(device.getLastErrorText().empty());
+
+    m_sensor->OnTimer(0);
+    EXPECT_EQ(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess(), L"\"/Data/run1.vxs\" -speed=2");
+
+    std::wstring text;
+    ASSERT_TRUE(PollUntil([&] { return observer.Has(1048882, &text); }, 10000));
+    EXPECT_EQ(text, L"method finished");
+    EXPECT_EQ(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess(), L"");
+
+    EXPECT_TRUE(device.setManualTuneFile(3, L"/Tune/manual.tun"));
+    observer.SetSensor(nullptr);
+}
+
+TEST_F(SimulatedSensor, LostInstrumentTakesTheSensorOffLine) {
+    Start("{}");
+    RecordingObserver observer;
+    observer.SetSensor(m_sensor);
+    m_sensor->OnTimer(0);
+    ASSERT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
+    m_sim->stop();
+    ASSERT_TRUE(PollUntil([&] { return !m_sensor->IsOnline(false); }, 15000));
+    EXPECT_TRUE(observer.Has(kSensorEventOffline));
+    EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
+    EXPECT_EQ(m_sensor->GetStatusValue(0, 0), L"Not Available");
+    observer.SetSensor(nullptr);
+}
+
+} // namespace
