@@ -1,5 +1,7 @@
 #include "sensorobject.h"
 
+#include "winsockerror.h"
+
 #include "paths.h"
 #include "remotename.h"
 #include "sensorinfo.h"
@@ -431,6 +433,12 @@ void ISensorObject::SetAlarmInterval(int ms) {
 void ISensorObject::OnTimer(int64_t) {
     if (m_state.load() != kSensorOnline)
         return;
+    if (m_polling.exchange(true))
+        return; // re-entered from a pumping wait of the poll in progress
+    struct PollingDone {
+        std::atomic<bool>& flag;
+        ~PollingDone() { flag = false; }
+    } done{m_polling};
     if (!IsLinkOpen()) {
         // The link closed under us (the instrument went away): on line means link open.
         Disconnect(0);
@@ -446,7 +454,8 @@ void ISensorObject::PollDevice() {
     std::wstring answer;
     int error = 0;
     if (!channel->Command(L"status", &answer, &error)) {
-        Disconnect(0);
+        if (error != kWsaWouldBlock) // "busy" is no reason to go off line
+            Disconnect(0);
         return;
     }
     const IDevice::Snapshot values = ParseStatus(ToUtf8(answer));
@@ -456,7 +465,8 @@ void ISensorObject::PollDevice() {
 
     answer.clear();
     if (!channel->Command(L"events", &answer, &error)) {
-        Disconnect(0);
+        if (error != kWsaWouldBlock)
+            Disconnect(0);
         return;
     }
     size_t start = 0;

@@ -149,6 +149,9 @@ private:
     std::atomic<int> m_refs{1};
     std::atomic<ISensorState> m_state{kSensorOffline};
     std::atomic<bool> m_keepOffline{false};
+    // Set while OnTimer polls: a timer dispatched during the poll's own pumping wait must not start a
+    // second exchange on the same channel.
+    std::atomic<bool> m_polling{false};
     std::wstring m_activeProcess;
     int m_alarmInterval = 1000;
     std::vector<std::unique_ptr<IDevice>> m_devices;

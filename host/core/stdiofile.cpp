@@ -81,8 +81,16 @@ bool StdioFile::Open(const std::wstring& name, const std::wstring& mode) {
     return true;
 }
 
-void StdioFile::Close() {
+bool StdioFile::Close() {
+    if (!m_impl)
+        return true;
+    const bool ok = m_impl->Close();
+    if (!ok) {
+        m_openError = m_impl->GetError();
+        m_openErrorText = m_impl->GetErrorText();
+    }
     m_impl.reset();
+    return ok;
 }
 
 int StdioFile::Read(void* buffer, int count) {

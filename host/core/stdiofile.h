@@ -16,6 +16,9 @@ public:
     virtual int Tell() = 0;
     virtual void Seek(int offset, int origin) = 0;
     virtual int GetLength() = 0;
+    // Host addition: finishes the transfer before the back end is destroyed; false when the other side
+    // did not take the whole file (the error then says why). Called once, by StdioFile::Close.
+    virtual bool Close() { return true; }
     // Host additions: the other side's message for the last error, and which way the file travels.
     virtual std::wstring GetErrorText() { return {}; }
     virtual const wchar_t* TransportName() const { return L"local"; }
@@ -40,8 +43,9 @@ public:
 
     // Opens a local or remote file; false when no back end could be made or it reports an error.
     bool Open(const std::wstring& name, const std::wstring& mode);
-    // Closes the file (a remote file sends its last data here). Idempotent.
-    void Close();
+    // Closes the file (a remote file sends its last data here); false when that failed, with the error
+    // kept for GetError. Idempotent.
+    bool Close();
     bool IsOpen() const { return m_impl != nullptr; }
 
     int Read(void* buffer, int count);

@@ -1,5 +1,8 @@
 #include "winsockerror.h"
 
+#include <mutex>
+#include <vector>
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -171,8 +174,38 @@ std::wstring ErrorMeaning(int code) {
     return {};
 }
 
+namespace {
+
+std::mutex& SourcesMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::vector<std::wstring (*)(int)>& Sources() {
+    static std::vector<std::wstring (*)(int)> sources;
+    return sources;
+}
+
+} // namespace
+
+void RegisterErrorMeaningSource(std::wstring (*source)(int)) {
+    std::lock_guard lock(SourcesMutex());
+    Sources().push_back(source);
+}
+
+void UnregisterErrorMeaningSource(std::wstring (*source)(int)) {
+    std::lock_guard lock(SourcesMutex());
+    std::erase(Sources(), source);
+}
+
 std::wstring DescribeError(int code) {
-    const std::wstring meaning = ErrorMeaning(code);
+    std::wstring meaning = ErrorMeaning(code);
+    if (meaning.empty()) {
+        std::lock_guard lock(SourcesMutex());
+        for (auto source : Sources())
+            if (!(meaning = source(code)).empty())
+                break;
+    }
     if (meaning.empty())
         return std::to_wstring(code);
     return std::to_wstring(code) + L" (" + meaning + L")";

@@ -29,5 +29,9 @@ int WinsockFromErrno(int err);
 int LastSocketError();
 // A short meaning of an error number ("connection timed out"); empty when unknown.
 std::wstring ErrorMeaning(int code);
+// Back ends with numbers of their own (FTP replies, ...) add their meanings here; a source answers an
+// empty text for numbers it does not know. Sources are asked after the built-in table, in order.
+void RegisterErrorMeaningSource(std::wstring (*source)(int code));
+void UnregisterErrorMeaningSource(std::wstring (*source)(int code));
 // "10060 (connection timed out)", or just the number when no meaning is known.
 std::wstring DescribeError(int code);

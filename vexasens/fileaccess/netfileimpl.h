@@ -41,7 +41,7 @@ public:
     // whole file (callers that rename an upload into place must check this). Reading: abandons the
     // rest of the file; false when the transfer had failed. False when no file was open; later calls
     // return false and change nothing.
-    bool Close();
+    bool Close() override;
     // The most bytes the buffer held at once, for checking that memory stays bounded.
     std::size_t PeakBuffered() const { return m_peakBuffered; }
 

@@ -150,6 +150,15 @@ bool VexaCommSensor::Command(const std::wstring& command, std::wstring* answer, 
 bool VexaCommSensor::Exchange(const std::string& commandUtf8, std::string* answer, std::string* message) {
     answer->clear();
     message->clear();
+    if (m_inExchange) {
+        Fail(kWsaWouldBlock);
+        return false;
+    }
+    m_inExchange = true;
+    struct ExchangeDone {
+        bool& flag;
+        ~ExchangeDone() { flag = false; }
+    } done{m_inExchange};
     if (commandUtf8.size() > kMaxCommandBytes) {
         Fail(kErrInvalid);
         return false;

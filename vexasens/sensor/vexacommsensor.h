@@ -53,6 +53,9 @@ private:
     uint16_t m_port;
     SensorLink m_link;
     int m_lastError = 0; // guarded by the link's lock
+    // An exchange in progress on this thread: a handler dispatched during its pumping wait gets "try
+    // again" instead of interleaving its request with the answer being read.
+    bool m_inExchange = false; // guarded by the link's lock
 };
 
 // Gives a sensor object its communication sensor (a VexaCommSensor on the instrument's port).

@@ -45,7 +45,9 @@ bool VEXASensorObject::SetParam(uint32_t id, const void* buffer, uint32_t size, 
     return SetSensorParam(id, buffer, size, index);
 }
 
-bool VEXASensorObject::IsSimulated() const { return false; }
+bool VEXASensorObject::IsSimulated() const {
+    return false;
+}
 
 std::wstring VEXASensorObject::GetLocalPath(const std::wstring& instrumentName) {
     std::wstring relative;
@@ -55,7 +57,8 @@ std::wstring VEXASensorObject::GetLocalPath(const std::wstring& instrumentName) 
         relative.erase(0, 1);
     std::wstring root;
     GetFolderInfo(0, &root, nullptr, nullptr, nullptr);
-    std::wstring local = JoinPath(root, ReplaceAll(relative, L"/", std::wstring(1, kNativeSeparator)), kNativeSeparator);
+    std::wstring local =
+        JoinPath(root, ReplaceAll(relative, L"/", std::wstring(1, kNativeSeparator)), kNativeSeparator);
     size_t cut = local.find_last_of(kNativeSeparator);
     if (cut != std::wstring::npos && cut > 0) {
         std::wstring dir = local.substr(0, cut);
@@ -109,12 +112,18 @@ void VEXASensorObject::FileListRequest(const std::wstring& path, uint32_t flags,
         names->push_back(entry.name);
 }
 
-bool VEXASensorObject::HasAutoSampler() const { return false; }
+bool VEXASensorObject::HasAutoSampler() const {
+    return false;
+}
 
-int VEXASensorObject::GetMaxChannels() const { return 16; }
+int VEXASensorObject::GetMaxChannels() const {
+    return 16;
+}
 
 // The host interprets this value; keep it exactly.
-int VEXASensorObject::GetInstrumentClass() const { return 974; }
+int VEXASensorObject::GetInstrumentClass() const {
+    return 974;
+}
 
 bool VEXASensorObject::IsInstrumentReady() {
     IChannel* channel = GetChannel();
@@ -126,11 +135,17 @@ bool VEXASensorObject::IsInstrumentReady() {
     return value[0] != 0 || value[1] != 0 || value[2] != 0 || value[3] != 0;
 }
 
-bool VEXASensorObject::IsPortable() const { return false; }
+bool VEXASensorObject::IsPortable() const {
+    return false;
+}
 
-bool VEXASensorObject::IsValidDeviceId(uint32_t id) const { return id < 0x10000 || id > 0xFFFFF; }
+bool VEXASensorObject::IsValidDeviceId(uint32_t id) const {
+    return id < 0x10000 || id > 0xFFFFF;
+}
 
-std::wstring VEXASensorObject::GetEditMethodText() const { return L"Edit &Method"; }
+std::wstring VEXASensorObject::GetEditMethodText() const {
+    return L"Edit &Method";
+}
 
 std::vector<std::wstring> VEXASensorObject::GetInstrumentMethodMRU(bool fullNames) {
     return InstrumentMethodMRU(*this, fullNames);
@@ -139,7 +154,9 @@ std::vector<std::wstring> VEXASensorObject::GetInstrumentMethodMRU(bool fullName
 void VEXASensorObject::OnNotifyText(const std::wstring&) {}
 
 // The status report is computed afresh on every call from a copy of the "VEXA" device.
-int VEXASensorObject::GetStatusSectionCount() { return VexaStatusReport::SectionCount(); }
+int VEXASensorObject::GetStatusSectionCount() {
+    return VexaStatusReport::SectionCount();
+}
 
 std::wstring VEXASensorObject::GetStatusSectionTitle(int section) {
     return VexaStatusReport::SectionTitle(section);
@@ -165,14 +182,26 @@ void VEXASensorObject::ShowTuneReports() {
         launcher->ShowTuneReports(*this, PXLoadCString(kTuneFileTitle));
 }
 
-bool VEXASensorObject::IsLinkOpen() const { return m_link.IsOpen(); }
+bool VEXASensorObject::IsLinkOpen() const {
+    return m_link.IsOpen();
+}
 
-int VEXASensorObject::GetLastLinkError() const { return m_link.LastError(); }
+int VEXASensorObject::GetLastLinkError() const {
+    return m_link.LastError();
+}
 
-int VEXASensorObject::ReceiveBytes(void* buffer, int count) { return m_link.Receive(buffer, count); }
+int VEXASensorObject::ReceiveBytes(void* buffer, int count) {
+    return m_link.Receive(buffer, count);
+}
 
-int VEXASensorObject::SendBytes(const void* buffer, int count) { return m_link.Send(buffer, count); }
+int VEXASensorObject::SendBytes(const void* buffer, int count) {
+    return m_link.Send(buffer, count);
+}
 
-void VEXASensorObject::CloseLink() { m_link.Close(); }
+void VEXASensorObject::CloseLink() {
+    m_link.Close();
+}
 
-bool VEXASensorObject::IsSocketValid() const { return m_link.IsOpen(); }
+bool VEXASensorObject::IsSocketValid() const {
+    return m_link.IsOpen();
+}
