@@ -127,15 +127,16 @@ bool VXSStdioFileImpl::ParseMode(const std::wstring& mode) {
     return true;
 }
 
-void VXSStdioFileImpl::Close() {
+bool VXSStdioFileImpl::Close() {
     if (m_closed)
-        return;
+        return true;
     m_closed = true;
+    bool lastFrameSent = true;
     if (!m_openForReading && m_writeOpened && m_sensor) {
-        // The last data frame, without "more follows"; an empty file sends one of length 0. Its result
-        // is not checked: nothing answers a write.
+        // The last data frame, without "more follows"; an empty file sends one of length 0. Nothing
+        // answers a write, so only whether the frame left is known.
         m_header.flags &= uint16_t(~kFlagMore);
-        SendBuffer();
+        lastFrameSent = SendBuffer();
     }
     if (m_openForReading && m_streaming && !m_endOfFile && !m_outOfStep && m_sensor)
         DrainRead();
@@ -146,6 +147,7 @@ void VXSStdioFileImpl::Close() {
         m_sensor->DecRef();
         m_sensor = nullptr;
     }
+    return lastFrameSent;
 }
 
 bool VXSStdioFileImpl::SendBuffer() {

@@ -37,8 +37,9 @@ public:
     std::wstring GetErrorText() override { return m_replyText; }
     const wchar_t* TransportName() const override { return L"link"; }
 
-    // Sends what is left and lets go of the sensor; the destructor does it when not done before.
-    void Close();
+    // Sends what is left and lets go of the sensor; the destructor does it when not done before. The
+    // module itself ignores the result; the host's StdioFile::Close reports whether the last frame left.
+    bool Close() override;
 
     bool IsTextMode() const { return m_textMode; }
     bool IsCompressedMode() const { return m_compressedMode; }
