@@ -68,7 +68,7 @@ std::string EncodeHex(const uint8_t* bytes, uint32_t size) {
 } // namespace
 
 VexaCommSensor::VexaCommSensor(ISensorObject& sensor, uint16_t port)
-    : m_sensor(sensor), m_port(port), m_link([this] { m_sensor.Disconnect(0); }) {}
+    : m_sensor(sensor), m_port(port), m_link([this] { m_lost = true; }) {}
 
 VexaCommSensor::~VexaCommSensor() {
     m_link.Close();
@@ -80,6 +80,7 @@ IChannel* VexaCommSensor::GetChannel(int index) {
 
 bool VexaCommSensor::Open() {
     std::lock_guard lock(m_link.Lock());
+    m_lost = false;
     m_link.Open(m_sensor.GetSensorAddress().GetHostname(), m_port);
     m_lastError = m_link.LastError();
     return m_link.IsOpen();
@@ -99,8 +100,29 @@ int VexaCommSensor::LastError() const {
 }
 
 void VexaCommSensor::Fail(int error) {
+    std::lock_guard lock(m_link.Lock());
     m_lastError = error;
     m_link.SetLastError(error);
+}
+
+void VexaCommSensor::LoseConnection() {
+    m_link.Close();
+    m_lost = true;
+}
+
+// The sensor goes off line only once this connection's lock is released: going off line takes the main
+// link's lock, and a thread that times out on the main link closes this channel while holding it.
+bool VexaCommSensor::Run(const std::string& commandUtf8, std::string* answer, std::string* message,
+                         int* error) {
+    bool ok = false;
+    {
+        std::lock_guard lock(m_link.Lock());
+        ok = Exchange(commandUtf8, answer, message);
+        *error = ok ? 0 : m_lastError;
+    }
+    if (m_lost.exchange(false))
+        m_sensor.Disconnect(0);
+    return ok;
 }
 
 bool VexaCommSensor::Read(uint32_t id, void* buffer, uint32_t size, uint32_t index) {
@@ -108,9 +130,9 @@ bool VexaCommSensor::Read(uint32_t id, void* buffer, uint32_t size, uint32_t ind
         return false;
     std::string command =
         "param get " + std::to_string(id) + " " + std::to_string(index) + " " + std::to_string(size);
-    std::lock_guard lock(m_link.Lock());
     std::string answer, message;
-    if (!Exchange(command, &answer, &message))
+    int error = 0;
+    if (!Run(command, &answer, &message, &error))
         return false;
     if (!DecodeHex(Trimmed(answer), static_cast<uint8_t*>(buffer), size)) {
         Fail(kErrInvalid);
@@ -124,9 +146,9 @@ bool VexaCommSensor::Write(uint32_t id, const void* buffer, uint32_t size, uint3
         return false;
     std::string command = "param set " + std::to_string(id) + " " + std::to_string(index) + " " +
                           EncodeHex(static_cast<const uint8_t*>(buffer), size);
-    std::lock_guard lock(m_link.Lock());
     std::string answer, message;
-    if (!Exchange(command, &answer, &message))
+    int error = 0;
+    if (!Run(command, &answer, &message, &error))
         return false;
     if (Trimmed(answer) != "ok") {
         Fail(kErrInvalid);
@@ -136,17 +158,17 @@ bool VexaCommSensor::Write(uint32_t id, const void* buffer, uint32_t size, uint3
 }
 
 bool VexaCommSensor::Command(const std::wstring& command, std::wstring* answer, int* error) {
-    std::lock_guard lock(m_link.Lock());
     std::string output, message;
-    bool ok = Exchange(ToUtf8(command), &output, &message);
+    int failure = 0;
+    bool ok = Run(ToUtf8(command), &output, &message, &failure);
     if (answer != nullptr)
         *answer = FromUtf8(ok ? output : message);
     if (error != nullptr)
-        *error = ok ? 0 : m_lastError;
+        *error = failure;
     return ok;
 }
 
-// Called with the link's lock held.
+// Called with the connection's lock held.
 bool VexaCommSensor::Exchange(const std::string& commandUtf8, std::string* answer, std::string* message) {
     answer->clear();
     message->clear();
@@ -203,7 +225,7 @@ bool VexaCommSensor::Exchange(const std::string& commandUtf8, std::string* answe
             continue;
         if (answer->size() + payload.size() > kMaxAnswerBytes) {
             Fail(kErrTooLarge);
-            m_link.Close(); // the rest of the answer would be read as the next command's
+            LoseConnection(); // the rest of the answer would be read as the next command's
             return false;
         }
         *answer += payload;
@@ -222,7 +244,7 @@ bool VexaCommSensor::ReceiveFrame(uint8_t* header, std::string* payload) {
     FrameHeader decoded = DecodeHeader(header);
     if (decoded.marker != kFrameMarker || decoded.length > uint32_t(kMaxPayload)) {
         Fail(decoded.marker != kFrameMarker ? kErrInvalid : kErrTooLarge);
-        m_link.Close();
+        LoseConnection();
         return false;
     }
     std::vector<uint8_t> bytes(decoded.length);
@@ -235,7 +257,7 @@ bool VexaCommSensor::ReceiveFrame(uint8_t* header, std::string* payload) {
         size_t size = expanded.size();
         if (!UncompressBuffer(expanded.data(), &size, bytes.data(), bytes.size())) {
             Fail(kErrTooLarge);
-            m_link.Close();
+            LoseConnection();
             return false;
         }
         expanded.resize(size);

@@ -5,12 +5,15 @@
 //
 // Parameters travel as command texts: `param get <id> <index> <size>` answers the bytes as hex,
 // `param set <id> <index> <hex>` answers "ok". A send or receive time-out on this connection takes the
-// whole sensor off line (ISensorObject::Disconnect(0)), as one on the main link does.
+// whole sensor off line (ISensorObject::Disconnect(0)), as one on the main link does; so does an answer
+// that leaves the byte stream out of step. Either happens once the command has let go of this
+// connection's lock.
 //
 // Any thread may call the operations; each command holds the connection's lock for its whole exchange.
 #include "commsensor.h"
 #include "sensorlink.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -45,14 +48,17 @@ public:
     int LastError() const;
 
 private:
+    bool Run(const std::string& commandUtf8, std::string* answer, std::string* message, int* error);
     bool Exchange(const std::string& commandUtf8, std::string* answer, std::string* message);
     bool ReceiveFrame(uint8_t* header, std::string* payload);
     void Fail(int error);
+    void LoseConnection();
 
     ISensorObject& m_sensor;
     uint16_t m_port;
     SensorLink m_link;
-    int m_lastError = 0; // guarded by the link's lock
+    int m_lastError = 0;             // guarded by the link's lock
+    std::atomic<bool> m_lost{false}; // timed out or out of step: the sensor must go off line
     // An exchange in progress on this thread: a handler dispatched during its pumping wait gets "try
     // again" instead of interleaving its request with the answer being read.
     bool m_inExchange = false; // guarded by the link's lock

@@ -206,8 +206,9 @@ TEST(VexaCommSensorTest, AnswerShapes) {
         EXPECT_EQ(f.channel->Command(L"status", &answer, &error), row.ok);
         EXPECT_EQ(answer, row.text);
         EXPECT_EQ(error, row.error);
-        // One bad answer does not spoil the connection for the next command.
+        // An answer, even a refusal, leaves the connection and the sensor as they were.
         EXPECT_TRUE(f.channel->IsOpen());
+        EXPECT_TRUE(f.sensor.IsOnline(true));
     }
 }
 
@@ -269,7 +270,8 @@ TEST(VexaCommSensorTest, OutOfStepStreamClosesTheChannel) {
         EXPECT_FALSE(f.channel->Command(L"status", &answer, &error));
         EXPECT_EQ(error, row.error);
         EXPECT_FALSE(f.channel->IsOpen());
-        // The next poll finds the channel lost and says so without touching the network.
+        EXPECT_FALSE(f.sensor.IsOnline(false)); // a channel out of step is a lost channel
+        // The next command finds the channel closed and says so without touching the network.
         EXPECT_FALSE(f.channel->Command(L"status", &answer, &error));
         EXPECT_EQ(error, kWsaNotConn);
     }
