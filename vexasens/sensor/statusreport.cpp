@@ -3,6 +3,7 @@
 #include "pxformat.h"
 #include "pxresource.h"
 #include "resource.h"
+#include "stringtable.h"
 #include "vexadevice.h"
 
 namespace {
@@ -85,6 +86,7 @@ int VexaStatusReport::SectionCount() {
 }
 
 std::wstring VexaStatusReport::SectionTitle(int section) {
+    PXResourceScope scope(VexaResourceModule());
     switch (section) {
     case kSectionPressures:
         return PXLoadCString(IDS_STATUS_TITLE_PRESSURES);
@@ -114,6 +116,7 @@ int VexaStatusReport::LineCount(int section) const {
 }
 
 std::wstring VexaStatusReport::Label(int section, int line) const {
+    PXResourceScope scope(VexaResourceModule());
     switch (section) {
     case kSectionPressures:
         return PressureLabel(line);
@@ -127,6 +130,7 @@ std::wstring VexaStatusReport::Label(int section, int line) const {
 }
 
 std::wstring VexaStatusReport::Value(int section, int line) const {
+    PXResourceScope scope(VexaResourceModule());
     switch (section) {
     case kSectionPressures:
         return PressureValue(line);
