@@ -1,7 +1,7 @@
 #pragma once
 // The instrument's status panel: three sections of label/value lines computed afresh from the
-// instrument model on every call. Texts come from this module's string table (whichever module is current);
-// numbers are formatted with PXFormat.
+// instrument model on every call. Texts come from this module's string table, whichever module is
+// current; numbers are formatted with PXFormat.
 //
 // Some oddities are the product's and are kept on purpose: the reservoir line repeats the column
 // pressure, the third temperature line has no label, the two injection-port heater lines pair each
