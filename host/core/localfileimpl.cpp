@@ -130,6 +130,19 @@ public:
 
     int GetError() override { return m_error; }
 
+    // Flushes and closes; a failed flush (a full disk) reports its errno here.
+    bool Close() override {
+        if (!m_file)
+            return true;
+        const int result = std::fclose(m_file);
+        m_file = nullptr;
+        if (result != 0) {
+            m_error = errno ? errno : EIO;
+            return false;
+        }
+        return true;
+    }
+
     int Tell() override {
         if (!m_file)
             return -1;

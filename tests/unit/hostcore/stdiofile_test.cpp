@@ -17,6 +17,15 @@ std::wstring W(const std::string& text) {
 class FakeRemoteFile : public StdioFileImpl {
 public:
     FakeRemoteFile(int error, std::wstring errorText) : m_error(error), m_errorText(std::move(errorText)) {}
+    // A transfer that the other side cuts short at the end.
+    bool Close() override {
+        if (!failClose)
+            return true;
+        m_error = 10054;
+        m_errorText = L"closed early";
+        return false;
+    }
+    bool failClose = false;
     int Read(void*, int) override { return 0; }
     int Write(const void*, int count) override { return count; }
     int GetError() override { return m_error; }
@@ -120,6 +129,14 @@ TEST(StdioFile, ModesAndErrors) {
     EXPECT_EQ(file.WriteString(L"x"), -1);
     EXPECT_EQ(file.GetLength(), -1);
 
+    // Data that cannot be flushed at the close is reported there.
+    if (FileExists("/dev/full")) {
+        ASSERT_TRUE(file.Open(L"/dev/full", L"w"));
+        EXPECT_EQ(file.Write("lost", 4), 4); // still in the buffer
+        EXPECT_FALSE(file.Close());
+        EXPECT_EQ(file.GetError(), ENOSPC);
+    }
+
     // Update mode: read, then write, then read back; appending keeps the old content.
     const std::wstring name = W(dir.createFile("u.txt", "0123456789"));
     ASSERT_TRUE(file.Open(name, L"r+b"));
@@ -162,6 +179,14 @@ TEST(StdioFile, RemoteNamesGoToFactoriesInOrder) {
     ASSERT_TRUE(file.Open(W(dir.file("local.txt")), L"w"));
     EXPECT_EQ(first.asked.size(), 1u);
     file.Close();
+
+    // A back end that cannot finish the transfer makes Close fail and keeps its reason.
+    ASSERT_TRUE(file.Open(L"@box:/Data/out.vxs", L"wb"));
+    static_cast<FakeRemoteFile*>(file.Impl())->failClose = true;
+    EXPECT_FALSE(file.Close());
+    EXPECT_EQ(file.GetError(), 10054);
+    EXPECT_EQ(file.GetErrorText(), L"closed early");
+    EXPECT_TRUE(file.Close()); // nothing left to close
 
     {
         FakeFactory failing(L"err", 2, L"no such file");
