@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <thread>
 
@@ -57,10 +58,12 @@ public:
     bool Write(uint32_t, const void*, uint32_t, uint32_t) override { return false; }
     bool Command(const std::wstring& command, std::wstring* answer, int* error) override {
         commands.push_back(command);
+        if (duringCommand)
+            duringCommand();
         auto it = answers.find(command);
         if (it == answers.end()) {
             if (error)
-                *error = 10060;
+                *error = failure;
             return false;
         }
         *answer = it->second;
@@ -70,6 +73,8 @@ public:
     std::map<std::wstring, std::wstring> answers;
     std::vector<std::wstring> commands;
     bool open = false;
+    int failure = 10060;
+    std::function<void()> duringCommand;
 };
 
 class FakeComm : public ICommSensor {
@@ -317,6 +322,22 @@ TEST(SensorObject, FailingChannelTakesSensorOffline) {
         s.sensor.OnTimer(0);
         EXPECT_EQ(s.channel.commands.size(), asked);
     }
+}
+
+TEST(SensorObject, BusyChannelAndReenteredTimerKeepSensorOnline) {
+    OnlineSensor s;
+    s.channel.failure = 10035; // the channel is busy with another exchange
+    s.sensor.OnTimer(0);
+    EXPECT_TRUE(s.sensor.IsOnline(true));
+
+    // A timer dispatched from the poll's own pumping wait does not start a second exchange.
+    s.channel.answers[L"status"] = L"model=1";
+    s.channel.answers[L"events"] = L"";
+    s.channel.commands.clear();
+    s.channel.duringCommand = [&] { s.sensor.OnTimer(0); };
+    s.sensor.OnTimer(0);
+    EXPECT_EQ(s.channel.commands, (std::vector<std::wstring>{L"status", L"events"}));
+    EXPECT_TRUE(s.sensor.IsOnline(true));
 }
 
 TEST(SensorObserver, MasksFilterNotifications) {

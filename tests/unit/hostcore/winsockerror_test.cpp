@@ -45,3 +45,19 @@ TEST(WinsockError, Descriptions) {
                      10064, 10065, 13, 17, 28})
         EXPECT_FALSE(ErrorMeaning(code).empty()) << code;
 }
+
+namespace {
+std::wstring FtpMeaning(int code) {
+    return code == 550 ? L"file unavailable" : L"";
+}
+} // namespace
+
+TEST(WinsockError, BackEndsAddMeanings) {
+    EXPECT_EQ(DescribeError(550), L"550");
+    RegisterErrorMeaningSource(FtpMeaning);
+    EXPECT_EQ(DescribeError(550), L"550 (file unavailable)");
+    EXPECT_EQ(DescribeError(10060), L"10060 (connection timed out)"); // the built-in table comes first
+    EXPECT_EQ(DescribeError(551), L"551");
+    UnregisterErrorMeaningSource(FtpMeaning);
+    EXPECT_EQ(DescribeError(550), L"550");
+}
