@@ -12,6 +12,16 @@ std::vector<AddCommand> CliCommands() {
         AddPingCommand,
         AddNextNameCommand,
         AddStatusCommand,
+        AddLsCommand,
+        AddStatCommand,
+        AddGetCommand,
+        AddPutCommand,
+        AddCpCommand,
+        AddRmCommand,
+        AddRmdirCommand,
+        AddMkdirCommand,
+        AddMvCommand,
+        AddRunCommand,
     };
 }
 

@@ -46,8 +46,9 @@ public:
     // The instrument's message of its last error reply (with the status when GetError does not carry
     // it: a refused delete, rename or make-folder leaves the error unchanged).
     std::wstring GetErrorText() const override;
-    // The status word of the last reply that was not 0, or 0.
+    // The status word of the last reply that was not 0 (or 0), and the message that came with it.
     uint32_t LastReplyStatus() const { return m_replyStatus; }
+    const std::wstring& LastReplyText() const { return m_replyText; }
 
     // The id the next request will use (module-wide counter, apart from the file transfer ids).
     static uint32_t PeekNextRequestId();

@@ -1,0 +1,124 @@
+// vexa rm, rmdir [-r], mkdir, mv: changes to the instrument's folders, each one request over the link.
+#include "cmd_filesupport.h"
+
+#include "vxsfileinfoimpl.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using FolderOperation = std::function<bool(VXSFileInfoImpl& back, const FileOperand& operand)>;
+
+// Runs `operation` on each operand in turn (all on instruments); stops at the first failure.
+int RunOnEach(CliContext& ctx, const std::string& verb, const std::vector<std::string>& operands,
+              const FolderOperation& operation) {
+    std::vector<FileOperand> parsed;
+    for (const std::string& text : operands) {
+        FileOperand operand;
+        if (!ParseFileOperand(ctx, text, &operand))
+            return kExitUsage;
+        if (!operand.IsRemote()) {
+            PrintError(ctx, verb + " " + text + ": works on instrument names (@HOST:/PATH)", 0);
+            return kExitUsage;
+        }
+        parsed.push_back(operand);
+    }
+    HostSessions sessions;
+    for (const FileOperand& operand : parsed) {
+        int error = 0;
+        if (!sessions.Linked(operand.host, &error)) {
+            PrintError(ctx, Narrow(operand.host) + ": cannot reach the instrument", error);
+            return kExitUnreachable;
+        }
+        VXSFileInfoImpl back(operand.host);
+        if (!operation(back, operand))
+            return PrintFolderError(ctx, verb + " " + operand.text, back);
+    }
+    return kExitOk;
+}
+
+} // namespace
+
+void AddRmCommand(CLI::App& app, CliContext& ctx) {
+    auto files = std::make_shared<std::vector<std::string>>();
+    auto* cmd = app.add_subcommand("rm", "Delete files on the instrument");
+    cmd->add_option("FILE", *files, "@HOST:/PATH ...")->required();
+    cmd->callback([&ctx, files] {
+        ctx.exitCode = RunOnEach(ctx, "rm", *files, [](VXSFileInfoImpl& back, const FileOperand& file) {
+            return back.Delete(file.path);
+        });
+    });
+}
+
+void AddRmdirCommand(CLI::App& app, CliContext& ctx) {
+    auto folders = std::make_shared<std::vector<std::string>>();
+    auto recursive = std::make_shared<bool>(false);
+    auto* cmd = app.add_subcommand("rmdir", "Remove folders on the instrument");
+    cmd->add_flag("-r,--recursive", *recursive, "Remove the folders with everything in them");
+    cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
+    cmd->callback([&ctx, folders, recursive] {
+        ctx.exitCode =
+            RunOnEach(ctx, "rmdir", *folders, [recursive](VXSFileInfoImpl& back, const FileOperand& folder) {
+                return back.RmDir(folder.path, *recursive);
+            });
+    });
+}
+
+void AddMkdirCommand(CLI::App& app, CliContext& ctx) {
+    auto folders = std::make_shared<std::vector<std::string>>();
+    auto* cmd = app.add_subcommand("mkdir", "Make folders on the instrument");
+    cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
+    cmd->callback([&ctx, folders] {
+        ctx.exitCode =
+            RunOnEach(ctx, "mkdir", *folders, [](VXSFileInfoImpl& back, const FileOperand& folder) {
+                return back.MkDir(folder.path);
+            });
+    });
+}
+
+void AddMvCommand(CLI::App& app, CliContext& ctx) {
+    auto names = std::make_shared<std::vector<std::string>>();
+    auto* cmd = app.add_subcommand("mv", "Rename or move a file or folder on the instrument");
+    cmd->add_option(
+           "OLD NEW", *names,
+           "@HOST:/OLD and the new name: @HOST:/NEW, /NEW on the same instrument, or a bare name in the "
+           "same folder")
+        ->required()
+        ->expected(2);
+    cmd->callback([&ctx, names] {
+        const std::string& newText = (*names)[1];
+        FileOperand old;
+        if (!ParseFileOperand(ctx, (*names)[0], &old)) {
+            ctx.exitCode = kExitUsage;
+            return;
+        }
+        // The new name: on the same instrument, absolute, or in the old name's folder.
+        std::wstring newPath = Widen(newText);
+        if (!newPath.empty() && newPath.front() == L'@') {
+            FileOperand target;
+            if (!ParseFileOperand(ctx, newText, &target)) {
+                ctx.exitCode = kExitUsage;
+                return;
+            }
+            if (target.host != old.host) {
+                PrintError(ctx, "mv: a rename never moves a file between instruments (use cp and rm)", 0);
+                ctx.exitCode = kExitUsage;
+                return;
+            }
+            newPath = target.path;
+        } else if (!newPath.empty() && newPath.front() != L'/') {
+            newPath = old.path.substr(0, old.path.find_last_of(L'/') + 1) + newPath;
+        }
+        if (newPath.empty()) {
+            PrintError(ctx, "mv: the new name is empty", 0);
+            ctx.exitCode = kExitUsage;
+            return;
+        }
+        ctx.exitCode =
+            RunOnEach(ctx, "mv", {(*names)[0]}, [newPath](VXSFileInfoImpl& back, const FileOperand& from) {
+                return back.Rename(from.path, newPath);
+            });
+    });
+}
