@@ -272,6 +272,14 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         progress->SetFileSize(entry.size);
     }
 
+    // A link failure stays in the sensor rather than the file: the side's link error then says why.
+    auto sideError = [](StdioFile& file, const CVexaFileList& side) {
+        if (file.GetError() != 0)
+            return file.GetError();
+        if (side.IsRemote() && side.Sensor() && side.Sensor()->GetLastLinkError() != 0)
+            return side.Sensor()->GetLastLinkError();
+        return int(kErrBadFile);
+    };
     // Drops the unfinished temporary file: the final name is never touched on the way out.
     auto abandon = [&](int error, const std::wstring& text) {
         out.Close();
@@ -284,11 +292,11 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
     for (;;) {
         const int got = in.Read(block.data(), kCopyBlockSize);
         if (got < 0)
-            return abandon(in.GetError() ? in.GetError() : kErrBadFile, in.GetErrorText());
+            return abandon(sideError(in, source), in.GetErrorText());
         if (got == 0)
             break;
         if (out.Write(block.data(), got) != got)
-            return abandon(out.GetError() ? out.GetError() : kErrBadFile, out.GetErrorText());
+            return abandon(sideError(out, *this), out.GetErrorText());
         if (progress) {
             progress->AddBytes(got);
             if (progress->IsCancelled())

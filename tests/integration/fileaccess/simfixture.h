@@ -1,0 +1,55 @@
+#pragma once
+// A simulator serving a temporary instrument tree, a sensor on line to it, and the module's two file
+// back-end factories, so that StdioFile, FileInfo and the folder lists reach it as the studio does.
+#include "copyprogress.h"
+#include "simulator.h"
+#include "tempdir.h"
+#include "vexasensorobject.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+std::string RandomBytes(size_t size, unsigned seed);
+std::string CompressibleBytes(size_t size);
+// Names under `folder` (recursively) that start with the copy's temporary prefix or the simulator's
+// upload prefix.
+std::vector<std::string> LeftoverTemporaries(const std::string& folder);
+
+class SimulatedInstrument {
+public:
+    explicit SimulatedInstrument(const std::vector<std::string>& simArgs = {});
+    ~SimulatedInstrument();
+
+    const std::string& root() const { return m_root.path(); }
+    TempDir& tree() { return m_root; }
+    SimulatorProcess& sim() { return *m_sim; }
+    std::wstring host() const { return m_sim->host(); }
+    // "@HOST:" + path
+    std::wstring Remote(const std::wstring& path) const;
+    VEXASensorObject* sensor() const { return m_sensor; }
+    bool online() const;
+
+private:
+    TempDir m_root;
+    std::unique_ptr<SimulatorProcess> m_sim;
+    VEXASensorObject* m_sensor = nullptr;
+};
+
+// Counts what a copy reports and cancels once `cancelAfter` bytes went by (never when negative).
+class CountingProgress : public ICopyProgress {
+public:
+    void SetCurrentFile(const std::wstring&) override { ++files; }
+    void SetFileSize(int64_t bytes) override { size = bytes; }
+    void AddBytes(int64_t bytes) override { total += bytes; }
+    bool IsCancelled() const override { return cancelAfter >= 0 && total >= cancelAfter; }
+    void SetDone() override { done = true; }
+
+    std::atomic<int> files{0};
+    std::atomic<int64_t> size{-1};
+    std::atomic<int64_t> total{0};
+    int64_t cancelAfter = -1;
+    std::atomic<bool> done{false};
+};
