@@ -1,0 +1,69 @@
+#pragma once
+// One instrument of the studio's list: its configuration, the sensor object its sensor type made for
+// it (the studio holds the first reference), and what the studio knows about its connection.
+// Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
+#include "instrumentconfig.h"
+
+#include <QObject>
+
+#include <memory>
+
+class ISensorInfo;
+class ISensorObject;
+class WSensorObserver;
+
+class ManagedInstrument : public QObject {
+    Q_OBJECT
+public:
+    enum class State { Unavailable, Offline, Connecting, Online };
+
+    ManagedInstrument(const InstrumentConfig& config, bool transient, QObject* parent = nullptr);
+    ~ManagedInstrument() override;
+
+    const InstrumentConfig& Config() const { return m_config; }
+    // Given with --instrument for this run: never saved.
+    bool IsTransient() const { return m_transient; }
+
+    // Makes the sensor object with the sensor type (null: the type is not loaded) and subscribes to
+    // its notifications. A previous sensor is taken off line and released first.
+    void Attach(const InstrumentConfig& config, ISensorInfo* sensorType);
+    // A new name for the same instrument; the sensor keeps its connection.
+    void Rename(const QString& name);
+    // Takes the sensor off line and releases it.
+    void Release();
+
+    ISensorObject* Sensor() const { return m_sensor; }
+    State GetState() const;
+    // Why there is no sensor object (unknown type, address refused); empty when there is one.
+    const QString& Problem() const { return m_problem; }
+
+    // The connection error noted when going on line failed or the link dropped; 0 when none.
+    int LastError() const { return m_lastError; }
+    void SetLastError(int error) { m_lastError = error; }
+    bool IsConnecting() const { return m_connecting; }
+    void SetConnecting(bool connecting) { m_connecting = connecting; }
+    // Set while the operator takes the sensor off line, so its off-line notification is not a drop.
+    bool ExpectsOffline() const { return m_expectOffline; }
+    void SetExpectsOffline(bool expect) { m_expectOffline = expect; }
+
+    // "On line", "Off line: 10061 (connection refused)", ...
+    QString StateText() const;
+    // "VEXA-1 (127.0.0.1)"
+    QString Title() const;
+
+signals:
+    void sensorEvent(quint32 code, const QString& text);
+
+protected:
+    void customEvent(QEvent* event) override;
+
+private:
+    InstrumentConfig m_config;
+    bool m_transient;
+    ISensorObject* m_sensor = nullptr;
+    std::unique_ptr<WSensorObserver> m_observer;
+    QString m_problem;
+    int m_lastError = 0;
+    bool m_connecting = false;
+    bool m_expectOffline = false;
+};

@@ -1,0 +1,316 @@
+#include "sensormanager.h"
+
+#include "managedinstrument.h"
+#include "sensorevent.h"
+#include "sensorinfo.h"
+#include "sensorobject.h"
+#include "winsockerror.h"
+
+#include <QDateTime>
+#include <QRegularExpression>
+
+namespace {
+constexpr int kDefaultTimerMs = 1000;
+constexpr int kMinimumTimerMs = 100;
+
+QString ErrorText(int error) {
+    return QString::fromStdWString(DescribeError(error));
+}
+
+QString EventName(quint32 code) {
+    switch (code) {
+    case kSensorEventOnline:
+        return QStringLiteral("on line");
+    case kSensorEventOffline:
+        return QStringLiteral("off line");
+    case kSensorEventBackup:
+        return QStringLiteral("backup finished");
+    default:
+        return {};
+    }
+}
+} // namespace
+
+SensorManager::SensorManager(QObject* parent) : QObject(parent) {}
+
+SensorManager::~SensorManager() {
+    // Sensors go off line and are released before the modules' objects could be touched by anyone.
+    qDeleteAll(m_instruments);
+    m_instruments.clear();
+}
+
+bool SensorManager::LoadPlugins(const QString& folder) {
+    const QStringList lines = m_plugins.LoadFolder(folder);
+    for (const QString& line : lines)
+        emit logMessage(line);
+    const QString problem = m_plugins.Problem();
+    if (!problem.isEmpty())
+        emit logMessage(problem);
+    return problem.isEmpty();
+}
+
+ManagedInstrument* SensorManager::At(int row) const {
+    return row >= 0 && row < Count() ? m_instruments[row] : nullptr;
+}
+
+int SensorManager::IndexOf(const ManagedInstrument* instrument) const {
+    for (int row = 0; row < Count(); ++row) {
+        if (m_instruments[row] == instrument)
+            return row;
+    }
+    return -1;
+}
+
+int SensorManager::FindAddress(const QString& address) const {
+    for (int row = 0; row < Count(); ++row) {
+        if (m_instruments[row]->Config().address.compare(address.trimmed(), Qt::CaseInsensitive) == 0)
+            return row;
+    }
+    return -1;
+}
+
+QList<InstrumentConfig> SensorManager::SavedConfigs() const {
+    QList<InstrumentConfig> configs;
+    for (const ManagedInstrument* instrument : m_instruments) {
+        if (!instrument->IsTransient())
+            configs.append(instrument->Config());
+    }
+    return configs;
+}
+
+InstrumentProblem SensorManager::Validate(const InstrumentConfig& config, int editedRow) const {
+    using Field = InstrumentProblem::Field;
+    const QString name = config.name.trimmed();
+    const QString address = config.address.trimmed();
+    if (name.isEmpty())
+        return {tr("Enter a name for the instrument."), Field::Name};
+    // The name becomes the sensor's data folder, so it must be a valid file name everywhere.
+    static const QRegularExpression badNameChars(QStringLiteral(R"([\\/:*?"<>|]|^\.)"));
+    if (name.contains(badNameChars))
+        return {tr("The name \"%1\" cannot be used: it may not start with a dot or contain any of "
+                   "\\ / : * ? \" < > |.")
+                    .arg(name),
+                Field::Name};
+    for (int row = 0; row < Count(); ++row) {
+        if (row == editedRow)
+            continue;
+        if (m_instruments[row]->Config().name.compare(name, Qt::CaseInsensitive) == 0)
+            return {tr("An instrument named \"%1\" already exists. Choose another name.").arg(name),
+                    Field::Name};
+    }
+    if (address.isEmpty())
+        return {tr("Enter the instrument's address (an IPv4 address such as 192.168.0.20, or a host name).")};
+    ISensorInfo* type = m_plugins.FindSensorType(config.sensorType);
+    if (!type)
+        return {tr("The sensor type %1 is not loaded: no module in the plug-in folder provides it.")
+                    .arg(config.sensorType),
+                Field::Type};
+    if (!type->MakeSensorAddress(address.toStdWString(), false).IsValid())
+        return {
+            tr("\"%1\" is not a valid instrument address. Enter an IPv4 address such as 192.168.0.20 or a "
+               "host name, without spaces or any of : @ / \\.")
+                .arg(address)};
+    for (int row = 0; row < Count(); ++row) {
+        if (row == editedRow)
+            continue;
+        if (m_instruments[row]->Config().address.compare(address, Qt::CaseInsensitive) == 0)
+            return {tr("The instrument \"%1\" already has the address %2.")
+                        .arg(m_instruments[row]->Config().name, address)};
+    }
+    return {};
+}
+
+QString SensorManager::UnusedName(const QString& sensorType) const {
+    for (int n = 1;; ++n) {
+        const QString name = QStringLiteral("%1-%2").arg(sensorType).arg(n);
+        bool used = false;
+        for (const ManagedInstrument* instrument : m_instruments)
+            used = used || instrument->Config().name.compare(name, Qt::CaseInsensitive) == 0;
+        if (!used)
+            return name;
+    }
+}
+
+int SensorManager::Add(const InstrumentConfig& config, bool transient) {
+    const int row = Count();
+    auto* instrument = new ManagedInstrument(config, transient, this);
+    instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    connect(instrument, &ManagedInstrument::sensorEvent, this,
+            [this, instrument](quint32 code, const QString& text) { OnSensorEvent(instrument, code, text); });
+    emit instrumentAboutToBeAdded(row);
+    m_instruments.append(instrument);
+    emit instrumentAdded(row);
+    emit logMessage(
+        tr("Added instrument %1, sensor type %2%3.")
+            .arg(instrument->Title(), config.sensorType, transient ? tr(" (for this run only)") : QString()));
+    if (!instrument->Problem().isEmpty())
+        emit logMessage(tr("%1 cannot be used: %2.").arg(instrument->Title(), instrument->Problem()));
+    return row;
+}
+
+bool SensorManager::Replace(int row, const InstrumentConfig& config) {
+    ManagedInstrument* instrument = At(row);
+    if (!instrument || instrument->IsConnecting())
+        return false;
+    const InstrumentConfig old = instrument->Config();
+    if (old == config)
+        return true;
+    if (old.address == config.address && old.sensorType == config.sensorType && instrument->Sensor()) {
+        // A new name only: the sensor keeps its connection.
+        instrument->Rename(config.name);
+        emit logMessage(tr("Renamed instrument %1 to %2.").arg(old.name, config.name));
+        emit instrumentChanged(row);
+        return true;
+    }
+    const bool wasOnline = instrument->GetState() == ManagedInstrument::State::Online;
+    instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    emit logMessage(tr("Changed instrument %1 to %2, sensor type %3.")
+                        .arg(old.name, instrument->Title(), config.sensorType));
+    if (!instrument->Problem().isEmpty())
+        emit logMessage(tr("%1 cannot be used: %2.").arg(instrument->Title(), instrument->Problem()));
+    emit instrumentChanged(row);
+    if (wasOnline)
+        GoOnline(row);
+    return true;
+}
+
+bool SensorManager::Remove(int row) {
+    ManagedInstrument* instrument = At(row);
+    if (!instrument || instrument->IsConnecting())
+        return false;
+    const QString title = instrument->Title();
+    emit instrumentAboutToBeRemoved(row);
+    m_instruments.removeAt(row);
+    emit instrumentRemoved(row);
+    delete instrument;
+    emit logMessage(tr("Removed instrument %1.").arg(title));
+    return true;
+}
+
+bool SensorManager::GoOnline(int row) {
+    ManagedInstrument* instrument = At(row);
+    if (!instrument || instrument->IsConnecting())
+        return false;
+    ISensorObject* sensor = instrument->Sensor();
+    if (!sensor) {
+        emit logMessage(tr("%1 cannot go on line: %2.").arg(instrument->Title(), instrument->Problem()));
+        return false;
+    }
+    if (sensor->IsOnline(true))
+        return true;
+    instrument->SetConnecting(true);
+    instrument->SetLastError(0);
+    EmitChanged(instrument);
+    emit logMessage(tr("Connecting to %1 ...").arg(instrument->Title()));
+
+    // Events are dispatched while this waits; the instrument cannot be removed meanwhile (see Remove).
+    const bool online = sensor->GoOnline();
+
+    instrument->SetConnecting(false);
+    if (online) {
+        emit logMessage(tr("%1 is on line.").arg(instrument->Title()));
+    } else {
+        const int error = sensor->GetLastLinkError();
+        instrument->SetLastError(error);
+        if (error != 0)
+            emit logMessage(
+                tr("%1 could not be taken on line: error %2.").arg(instrument->Title(), ErrorText(error)));
+        else
+            emit logMessage(
+                tr("%1 could not be taken on line (the sensor refused).").arg(instrument->Title()));
+    }
+    EmitChanged(instrument);
+    return online;
+}
+
+void SensorManager::GoOffline(int row) {
+    ManagedInstrument* instrument = At(row);
+    if (!instrument || !instrument->Sensor() || instrument->IsConnecting())
+        return;
+    instrument->SetExpectsOffline(instrument->Sensor()->IsOnline(false));
+    instrument->SetLastError(0);
+    instrument->Sensor()->Disconnect(0);
+    emit logMessage(tr("%1 was taken off line.").arg(instrument->Title()));
+    EmitChanged(instrument);
+}
+
+bool SensorManager::AnyConnecting() const {
+    for (const ManagedInstrument* instrument : m_instruments) {
+        if (instrument->IsConnecting())
+            return true;
+    }
+    return false;
+}
+
+int SensorManager::TimerInterval() const {
+    int interval = 0;
+    for (const ManagedInstrument* instrument : m_instruments) {
+        if (const ISensorObject* sensor = instrument->Sensor()) {
+            const int alarm = sensor->GetAlarmInterval();
+            if (alarm > 0 && (interval == 0 || alarm < interval))
+                interval = alarm;
+        }
+    }
+    return interval == 0 ? kDefaultTimerMs : qMax(interval, kMinimumTimerMs);
+}
+
+void SensorManager::Tick() {
+    if (m_ticking)
+        return;
+    m_ticking = true;
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    // OnTimer waits on the network and dispatches events meanwhile, so the list may change under the
+    // loop: walk a guarded copy.
+    const QList<QPointer<ManagedInstrument>> instruments(m_instruments.begin(), m_instruments.end());
+    for (const QPointer<ManagedInstrument>& instrument : instruments) {
+        if (!instrument || instrument->IsConnecting())
+            continue;
+        ISensorObject* sensor = instrument->Sensor();
+        if (!sensor || !sensor->IsOnline(false))
+            continue;
+        // Our own reference keeps the sensor alive should the instrument be removed meanwhile.
+        sensor->IncRef();
+        sensor->OnTimer(now);
+        sensor->DecRef();
+    }
+    m_ticking = false;
+    emit ticked();
+}
+
+void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text) {
+    const QString name = EventName(code);
+    QString line = tr("%1: sensor event %2").arg(instrument->Config().name).arg(code);
+    if (code >= 0x100)
+        line += QStringLiteral(" (0x%1)").arg(code, 0, 16);
+    if (!name.isEmpty())
+        line += QStringLiteral(" [%1]").arg(name);
+    if (!text.isEmpty())
+        line += QStringLiteral(": ") + text;
+    emit logMessage(line);
+
+    if (code == kSensorEventOffline) {
+        if (instrument->ExpectsOffline()) {
+            instrument->SetExpectsOffline(false);
+        } else if (ISensorObject* sensor = instrument->Sensor()) {
+            // Not the operator's doing: the link dropped or timed out. The link's error says why; a
+            // drop noticed elsewhere (the command channel) may carry its error number as the text.
+            bool isNumber = false;
+            const int reason = text.toInt(&isNumber);
+            const int error = sensor->GetLastLinkError() != 0 ? sensor->GetLastLinkError()
+                              : isNumber                      ? reason
+                                                              : 0;
+            instrument->SetLastError(error);
+            emit logMessage(
+                error != 0
+                    ? tr("%1 went off line: error %2.").arg(instrument->Title(), ErrorText(error))
+                    : tr("%1 went off line (the instrument stopped answering).").arg(instrument->Title()));
+        }
+    }
+    EmitChanged(instrument);
+}
+
+void SensorManager::EmitChanged(const ManagedInstrument* instrument) {
+    const int row = IndexOf(instrument);
+    if (row >= 0)
+        emit instrumentChanged(row);
+}

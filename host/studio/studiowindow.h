@@ -1,0 +1,109 @@
+#pragma once
+// The studio's main window: the instrument list on the left, the selected instrument's live status
+// and its sensor type's tools on the right, the log at the bottom; menus to add, edit and remove
+// instruments and to take them on and off line. GUI thread only.
+#include "instrumentstore.h"
+
+#include <QMainWindow>
+#include <QStringList>
+#include <QTimer>
+
+class CPXRegistry;
+class InstrumentListModel;
+class ISensorInfo;
+class LogPane;
+class QAction;
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QSplitter;
+class QTableView;
+class SensorManager;
+class StatusPanel;
+class ToolListWidget;
+
+class StudioWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    struct Startup {
+        QString pluginDir;       // folder of the *.sdll modules
+        QStringList instruments; // addresses added for this run and taken on line
+    };
+
+    // Settings (instruments, window geometry) are kept in `registry`.
+    StudioWindow(Startup startup, CPXRegistry& registry, QWidget* parent = nullptr);
+    ~StudioWindow() override;
+
+    // Loads the modules and the saved instruments, adds the run's instruments and takes them on
+    // line. Call once, after show() so that the operator sees the window while it connects.
+    void Start();
+
+    SensorManager& Sensors() const { return *m_sensors; }
+    QTableView* InstrumentTable() const { return m_table; }
+    StatusPanel* Status() const { return m_status; }
+    ToolListWidget* Tools() const { return m_tools; }
+    LogPane* Log() const { return m_log; }
+    QLabel* Banner() const { return m_banner; }
+    QPushButton* OnlineButton() const { return m_onlineButton; }
+    // The selected instrument's row, -1 when none.
+    int SelectedRow() const;
+    void SelectRow(int row);
+
+public slots:
+    void AddInstrument();
+    void EditInstrument();
+    void RemoveInstrument();
+    void ToggleOnline();
+    // Runs the tool at that position of the shown sensor type's tool list.
+    void RunTool(int toolIndex);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void BuildActions();
+    void BuildMenus();
+    QWidget* BuildCentralWidget();
+    void RestoreGeometry();
+    void SaveGeometry();
+    void ShowPluginProblem();
+    void AddRunInstruments();
+    void SaveInstruments();
+    void UpdateSelectionState();
+    void RefreshStatus();
+    void UpdateSummary();
+    void RestartTimer();
+    void ShowAbout();
+    ISensorInfo* ToolSensorType() const;
+    void Message(const QString& text);
+
+    Startup m_startup;
+    CPXRegistry& m_registry;
+    SensorManager* m_sensors;
+    InstrumentStore m_store;
+    InstrumentListModel* m_model;
+    QTimer m_timer;
+
+    QLabel* m_banner = nullptr;
+    QLabel* m_summary = nullptr;
+    QTableView* m_table = nullptr;
+    QPushButton* m_addButton = nullptr;
+    QPushButton* m_editButton = nullptr;
+    QPushButton* m_removeButton = nullptr;
+    QPushButton* m_onlineButton = nullptr;
+    QGroupBox* m_statusBox = nullptr;
+    StatusPanel* m_status = nullptr;
+    QGroupBox* m_toolBox = nullptr;
+    ToolListWidget* m_tools = nullptr;
+    LogPane* m_log = nullptr;
+    QSplitter* m_mainSplitter = nullptr;
+    QSplitter* m_topSplitter = nullptr;
+    QSplitter* m_rightSplitter = nullptr;
+
+    QAction* m_quitAction = nullptr;
+    QAction* m_addAction = nullptr;
+    QAction* m_editAction = nullptr;
+    QAction* m_removeAction = nullptr;
+    QAction* m_onlineAction = nullptr;
+    QAction* m_aboutAction = nullptr;
+};

@@ -1,0 +1,28 @@
+#pragma once
+// Does for a tool what the host does for its category: the sensor type runs its own programs
+// (category 6031), Manage Files opens the selected sensor's file manager, Status shows the status
+// panel; the remaining host features are outside the studio and say so.
+#include <QString>
+
+class ISensorInfo;
+class ISensorObject;
+struct SensorTool;
+
+class ToolRunner {
+public:
+    struct Outcome {
+        enum class Kind {
+            RanByModule,            // the sensor type's RunTool ran it
+            ManageFilesClosed,      // the Manage Files dialog ran and was closed
+            ManageFilesUnavailable, // the module answered without a dialog
+            ShowStatus,             // the window should show the status panel
+            NeedsInstrument,        // the tool works on a sensor and none is selected
+            OutOfScope,             // a host feature the studio does not have
+        };
+        Kind kind;
+        QString message;
+    };
+
+    // `sensor` is the selected instrument's sensor, or null. The caller holds a reference on it.
+    static Outcome Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor);
+};

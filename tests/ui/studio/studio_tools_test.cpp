@@ -1,0 +1,98 @@
+// What each of the sensor type's tools does in the studio.
+#include "studiofixture.h"
+
+#include "logpane.h"
+#include "loopback.h"
+#include "scriptedprompt.h"
+#include "sensormanager.h"
+#include "statuspanel.h"
+#include "toollist.h"
+
+#include <QApplication>
+#include <QTableView>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+int ToolRow(StudioWindow& window, const QString& name) {
+    for (int i = 0; i < window.Tools()->ToolCount(); ++i) {
+        if (window.Tools()->ToolName(i) == name)
+            return i;
+    }
+    ADD_FAILURE() << "no tool " << name.toStdString();
+    return -1;
+}
+
+QStringList Messages(const ScriptedPrompt& prompt) {
+    QStringList texts;
+    for (const ScriptedPrompt::Question& question : prompt.Asked(ScriptedPrompt::Kind::Message))
+        texts << QString::fromStdWString(question.text);
+    return texts;
+}
+} // namespace
+
+TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    for (const char* name : {"Data Review", "Run Method", "Method Editor", "Service Module", "Tune"}) {
+        SCOPED_TRACE(name);
+        ScriptedPrompt prompt;
+        window.RunTool(ToolRow(window, name));
+        const QStringList messages = Messages(prompt);
+        ASSERT_EQ(messages.size(), 1);
+        EXPECT_TRUE(messages[0].startsWith(QString(name) + " (")) << messages[0].toStdString();
+        EXPECT_TRUE(messages[0].contains("VEXA Studio does not provide it"));
+        EXPECT_TRUE(LogText().contains(messages[0]));
+    }
+}
+
+TEST_F(StudioTest, StatusToolShowsTheStatusPanel) {
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {QString::fromStdString(FreshLoopbackAddress())});
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    window.InstrumentTable()->setFocus();
+    ScriptedPrompt prompt;
+    window.RunTool(ToolRow(window, "Status"));
+    EXPECT_TRUE(Messages(prompt).isEmpty());
+    EXPECT_TRUE(window.Status()->isAncestorOf(QApplication::focusWidget()));
+    EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
+}
+
+TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndReportsAMissingDialog) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    {
+        ScriptedPrompt prompt;
+        window.RunTool(ToolRow(window, "Manage Files"));
+        ASSERT_EQ(Messages(prompt).size(), 1);
+        EXPECT_TRUE(Messages(prompt)[0].contains("select one in the list first"));
+    }
+    const int row =
+        window.Sensors().Add({"Bench", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true);
+    window.SelectRow(row);
+    ScriptedPrompt prompt;
+    window.RunTool(ToolRow(window, "Manage Files"));
+    // The module either runs its dialog (answered here by the scripted prompt) or has none in this build.
+    if (prompt.Asked(ScriptedPrompt::Kind::Dialog).empty())
+        EXPECT_TRUE(
+            LogText().contains("The Manage Files dialog is not available in this build of the VEXA module"))
+            << LogText().toStdString();
+    else
+        EXPECT_TRUE(LogText().contains("Manage Files on Bench closed")) << LogText().toStdString();
+}
+
+TEST_F(StudioTest, FunctionKeysRunTheModulesPrograms) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    struct Case {
+        Qt::KeyboardModifiers modifiers;
+        const char* logged;
+    };
+    for (const Case& c : {Case{Qt::NoModifier, "Ran the tool NIST (category 6031, index 1)."},
+                          Case{Qt::ShiftModifier, "Ran the tool AMDIS (category 6031, index 2)."}}) {
+        SCOPED_TRACE(c.logged);
+        ScriptedPrompt prompt; // the programs are not configured here; the module says so through it
+        QTest::keyClick(window.InstrumentTable(), Qt::Key_F8, c.modifiers);
+        EXPECT_TRUE(LogText().contains(c.logged)) << LogText().toStdString();
+    }
+    EXPECT_EQ(LogText().count("Ran the tool"), 2);
+}

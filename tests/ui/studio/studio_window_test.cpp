@@ -1,0 +1,183 @@
+// The studio window with the built module: the sensor type's tools, a simulator on line with its
+// status sections, an instrument that cannot be reached, and a plug-in folder without modules.
+#include "studiofixture.h"
+
+#include "hostresource.h"
+#include "instrumentlistmodel.h"
+#include "instrumentstore.h"
+#include "loopback.h"
+#include "managedinstrument.h"
+#include "scriptedprompt.h"
+#include "sensormanager.h"
+#include "simulator.h"
+#include "statuspanel.h"
+#include "toollist.h"
+#include "winsockerror.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTableView>
+#include <QTreeWidget>
+
+namespace {
+QString StateCell(StudioWindow& window, int row) {
+    return window.InstrumentTable()->model()->index(row, InstrumentListModel::kColumnState).data().toString();
+}
+} // namespace
+
+TEST_F(StudioTest, ListsTheModulesTenToolsWithKeys) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    EXPECT_TRUE(window.Banner()->isHidden()) << window.Banner()->text().toStdString();
+    EXPECT_TRUE(LogText().contains("Loaded VexaSens.sdll: sensor type VEXA")) << LogText().toStdString();
+
+    struct Row {
+        const char* name;
+        const char* key;
+    };
+    const Row expected[] = {
+        {"Data Review", ""},   {"Run Method", ""},   {"NIST", "F8"},        {"Safety DB", ""},
+        {"AMDIS", "Shift+F8"}, {"Manage Files", ""}, {"Method Editor", ""}, {"Service Module", ""},
+        {"Status", ""},        {"Tune", ""},
+    };
+    ToolListWidget* tools = window.Tools();
+    ASSERT_EQ(tools->ToolCount(), static_cast<int>(std::size(expected)));
+    for (int i = 0; i < tools->ToolCount(); ++i) {
+        EXPECT_EQ(tools->ToolName(i), expected[i].name);
+        EXPECT_EQ(tools->ToolKeys(i), expected[i].key) << expected[i].name;
+        EXPECT_FALSE(tools->ToolDescription(i).isEmpty()) << "description of " << expected[i].name;
+        EXPECT_FALSE(tools->ToolIcon(i).isNull()) << "icon of " << expected[i].name;
+    }
+    EXPECT_EQ(tools->ToolDescription(2), "Starts the NIST program (F8)");
+
+    QStringList bound;
+    for (const QShortcut* shortcut : window.Tools()->Shortcuts())
+        bound << shortcut->key().toString();
+    EXPECT_EQ(bound, QStringList({"F8", "Shift+F8"}));
+}
+
+TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
+    SimulatorProcess simulator(CopyOfDemoTree());
+    const QString address = QString::fromStdString(simulator.address());
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {address});
+
+    ASSERT_EQ(window.Sensors().Count(), 1);
+    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
+    EXPECT_EQ(StateCell(window, 0), "On line");
+    EXPECT_EQ(window.OnlineButton()->text(), "Go off line");
+    EXPECT_TRUE(LogText().contains(address + " is on line.")) << LogText().toStdString();
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains("sensor event 6 [on line]"); }))
+        << LogText().toStdString();
+
+    // The status is polled by the timer; wait until a reading has come in.
+    QTreeWidget* tree = window.Status()->Tree();
+    ASSERT_TRUE(WaitFor([&] {
+        return tree->topLevelItemCount() == 3 && tree->topLevelItem(0)->childCount() == 5 &&
+               !tree->topLevelItem(0)->child(0)->text(1).isEmpty();
+    })) << window.Status()->PlaceholderText().toStdString();
+    EXPECT_TRUE(window.Status()->PlaceholderText().isEmpty());
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "Current Pressures");
+    EXPECT_EQ(tree->topLevelItem(1)->text(0), "Current Temperatures (C)");
+    EXPECT_EQ(tree->topLevelItem(2)->text(0), "Sample Input Device");
+    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "IS Supply (kPa):");
+    EXPECT_EQ(tree->topLevelItem(1)->childCount(), 11);
+    EXPECT_GE(tree->topLevelItem(2)->childCount(), 1);
+    EXPECT_EQ(tree->topLevelItem(2)->child(0)->text(0), "Type:");
+
+    // The run's instrument is not saved.
+    EXPECT_TRUE(window.Sensors().SavedConfigs().isEmpty());
+    EXPECT_TRUE(InstrumentStore(m_registry).Load().isEmpty());
+
+    // Off line by the operator: no error, the panel says so.
+    window.OnlineButton()->click();
+    EXPECT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Offline);
+    EXPECT_EQ(StateCell(window, 0), "Off line");
+    EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains("sensor event 2 [off line]"); }));
+    EXPECT_FALSE(LogText().contains("went off line")) << LogText().toStdString();
+
+    // The instrument goes away while on line: the drop is noticed and reported with its error.
+    window.OnlineButton()->click();
+    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
+    simulator.stop();
+    EXPECT_TRUE(WaitFor([&] { return Instrument(0).GetState() == ManagedInstrument::State::Offline; }))
+        << LogText().toStdString();
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains("went off line"); })) << LogText().toStdString();
+}
+
+TEST_F(StudioTest, UnreachableInstrumentShowsOffLineWithTheErrorNumber) {
+    const QString address = QString::fromStdString(FreshLoopbackAddress());
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {address});
+
+    ASSERT_EQ(window.Sensors().Count(), 1);
+    EXPECT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Offline);
+    const int error = Instrument(0).LastError();
+    ASSERT_NE(error, 0);
+    const QString described = QString::fromStdWString(DescribeError(error));
+    EXPECT_TRUE(described.contains('(')) << "the error has a meaning: " << described.toStdString();
+    EXPECT_EQ(StateCell(window, 0), "Off line: error " + described);
+    EXPECT_TRUE(LogText().contains(address + " could not be taken on line: error " + described))
+        << LogText().toStdString();
+    EXPECT_EQ(window.OnlineButton()->text(), "Go on line");
+    EXPECT_TRUE(window.OnlineButton()->isEnabled());
+}
+
+TEST_F(StudioTest, PluginFolderWithoutModulesSaysSo) {
+    struct Case {
+        const char* name;
+        bool create;
+        const char* says;
+    };
+    for (const Case& c : {Case{"empty", true, "No sensor modules (*.sdll) were found in"},
+                          Case{"missing", false, "does not exist"}}) {
+        SCOPED_TRACE(c.name);
+        const std::string folder = c.create ? m_temp.createDir(c.name) : m_temp.file(c.name);
+        StudioWindow& window = StartStudio(QString::fromStdString(folder));
+        EXPECT_FALSE(window.Banner()->isHidden());
+        EXPECT_TRUE(window.Banner()->text().contains(c.says)) << window.Banner()->text().toStdString();
+        EXPECT_TRUE(window.Banner()->text().contains(QString::fromStdString(folder)));
+        EXPECT_TRUE(LogText().contains(c.says)) << LogText().toStdString();
+        EXPECT_EQ(window.Tools()->ToolCount(), 0);
+        m_window.reset();
+    }
+}
+
+TEST_F(StudioTest, SavedInstrumentsComeBackAndRunInstrumentsJoinThem) {
+    const QString unreachable = QString::fromStdString(FreshLoopbackAddress());
+    InstrumentStore(m_registry)
+        .Save({{"Lab unit", unreachable, "VEXA"},
+               {"Field unit", "vexa-field-2", "VEXA"},
+               {"Old unit", "10.9.9.9", "NOPE"}});
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {unreachable});
+
+    // The run's address is a saved instrument: it is taken on line, not added twice.
+    ASSERT_EQ(window.Sensors().Count(), 3);
+    EXPECT_EQ(Instrument(0).Config().name, "Lab unit");
+    EXPECT_FALSE(Instrument(0).IsTransient());
+    EXPECT_NE(Instrument(0).LastError(), 0);
+    EXPECT_EQ(window.SelectedRow(), 0);
+    EXPECT_EQ(Instrument(1).GetState(), ManagedInstrument::State::Offline);
+    EXPECT_EQ(Instrument(1).LastError(), 0);
+    // A sensor type that is not loaded is kept and explained, not dropped.
+    EXPECT_EQ(Instrument(2).GetState(), ManagedInstrument::State::Unavailable);
+    EXPECT_TRUE(StateCell(window, 2).contains("sensor type NOPE is not loaded"))
+        << StateCell(window, 2).toStdString();
+    EXPECT_EQ(window.Sensors().SavedConfigs().size(), 3);
+
+    // Removing asks first; "No" keeps it, "Yes" removes it from the list and from the settings.
+    ScriptedPrompt prompt;
+    window.SelectRow(1);
+    prompt.QueueYesNo(IDNO);
+    window.RemoveInstrument();
+    EXPECT_EQ(window.Sensors().Count(), 3);
+    prompt.QueueYesNo(IDYES);
+    window.RemoveInstrument();
+    ASSERT_EQ(window.Sensors().Count(), 2);
+    ASSERT_EQ(prompt.Asked(ScriptedPrompt::Kind::YesNo).size(), 2u);
+    EXPECT_TRUE(QString::fromStdWString(prompt.Asked()[0].text).contains("Field unit"));
+    const QList<InstrumentConfig> saved = InstrumentStore(m_registry).Load();
+    ASSERT_EQ(saved.size(), 2);
+    EXPECT_EQ(saved[0].name, "Lab unit");
+    EXPECT_EQ(saved[1].name, "Old unit");
+    EXPECT_EQ(saved[1].sensorType, "NOPE");
+}
