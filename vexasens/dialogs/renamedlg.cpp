@@ -20,11 +20,23 @@ bool CRenameDlg::OnInitDialog() {
     CDialog_::OnInitDialog();
     m_newName = m_oldName;
     UpdateData(false);
+    if (QWidget* edit = GetDlgItem(IDC_RENAME_NEW_NAME))
+        edit->setFocus();
+    PlaceCaretAtEnd();
+    return true;
+}
+
+void CRenameDlg::setVisible(bool visible) {
+    CDialog_::setVisible(visible);
+    // Showing a dialog selects the whole text of the edit that gets the focus; undo that here.
+    if (visible)
+        PlaceCaretAtEnd();
+}
+
+void CRenameDlg::PlaceCaretAtEnd() {
+    // No selection, the caret at the end of the name and scrolled into view.
     if (auto* edit = qobject_cast<QLineEdit*>(GetDlgItem(IDC_RENAME_NEW_NAME))) {
-        // No selection, caret at the end of the name and scrolled into view.
         edit->deselect();
         edit->end(false);
-        edit->setFocus();
     }
-    return true;
 }

@@ -16,11 +16,15 @@ public:
     // Valid after IDOK.
     const std::wstring& GetNewName() const { return m_newName; }
 
+    void setVisible(bool visible) override;
+
 protected:
     void DoDataExchange(CDataExchange& dx) override;
     bool OnInitDialog() override;
 
 private:
+    void PlaceCaretAtEnd();
+
     std::wstring m_newName;
     std::wstring m_oldName;
 };
