@@ -140,8 +140,8 @@ int CDialog_::AskYesNo(const std::wstring& text, const std::wstring& caption) {
     return Prompt().AskYesNo(text, caption, this);
 }
 
-void CDialog_::ShowMessage(const std::wstring& text, const std::wstring& caption) {
-    Prompt().Message(text, caption, PromptIcon::Information, this);
+void CDialog_::ShowMessage(const std::wstring& text, const std::wstring& caption, PromptIcon icon) {
+    Prompt().Message(text, caption, icon, this);
 }
 
 void CDialog_::ConnectControls() {

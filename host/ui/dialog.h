@@ -17,6 +17,7 @@
 // also answer whole dialogs; dialogs opened by the code under test are answered that way.
 #include "dataexchange.h"
 #include "hostresource.h"
+#include "prompt.h"
 #include "pxformat.h"
 
 #include <QDialog>
@@ -68,7 +69,8 @@ public:
 
     // ---- questions through the installed prompt ----
     int AskYesNo(const std::wstring& text, const std::wstring& caption = {});
-    void ShowMessage(const std::wstring& text, const std::wstring& caption = {});
+    void ShowMessage(const std::wstring& text, const std::wstring& caption = {},
+                     PromptIcon icon = PromptIcon::Information);
 
     // False for windows that only show progress: they never go through a prompt's RunModal.
     bool AsksUser() const { return m_asksUser; }

@@ -4,8 +4,9 @@
 
 class CMessageBoxPrompt : public IPrompt {
 public:
-    int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent) override;
-    void Message(const std::wstring& text, const std::wstring& caption, PromptIcon icon,
-                 QWidget* parent) override;
-    int AskOverwrite(const std::wstring& name, const std::wstring& description, QWidget* parent) override;
+    int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent = nullptr) override;
+    void Message(const std::wstring& text, const std::wstring& caption,
+                 PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) override;
+    int AskOverwrite(const std::wstring& name, const std::wstring& description,
+                     QWidget* parent = nullptr) override;
 };

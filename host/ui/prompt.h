@@ -14,11 +14,14 @@ class IPrompt {
 public:
     virtual ~IPrompt();
     // A question with Yes and No; returns IDYES (6) or IDNO (7).
-    virtual int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent) = 0;
-    virtual void Message(const std::wstring& text, const std::wstring& caption, PromptIcon icon,
-                         QWidget* parent) = 0;
+    virtual int AskYesNo(const std::wstring& text, const std::wstring& caption,
+                         QWidget* parent = nullptr) = 0;
+    // An empty caption shows the application's name.
+    virtual void Message(const std::wstring& text, const std::wstring& caption,
+                         PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) = 0;
     // "File exists: overwrite?" with COverwriteDlg's answers (see overwritedlg.h).
-    virtual int AskOverwrite(const std::wstring& name, const std::wstring& description, QWidget* parent) = 0;
+    virtual int AskOverwrite(const std::wstring& name, const std::wstring& description,
+                             QWidget* parent = nullptr) = 0;
     // Called by CDialog_::DoModal for every dialog that asks the user something. An answer replaces the
     // modal run (the dialog's result); none lets the dialog run for real.
     virtual std::optional<int> RunModal(CDialog_& dialog);

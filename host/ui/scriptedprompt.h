@@ -42,10 +42,11 @@ public:
     std::vector<Question> Asked(Kind kind) const;
     void ClearAsked() { m_asked.clear(); }
 
-    int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent) override;
-    void Message(const std::wstring& text, const std::wstring& caption, PromptIcon icon,
-                 QWidget* parent) override;
-    int AskOverwrite(const std::wstring& name, const std::wstring& description, QWidget* parent) override;
+    int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent = nullptr) override;
+    void Message(const std::wstring& text, const std::wstring& caption,
+                 PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) override;
+    int AskOverwrite(const std::wstring& name, const std::wstring& description,
+                     QWidget* parent = nullptr) override;
     std::optional<int> RunModal(CDialog_& dialog) override;
 
 private:
