@@ -75,20 +75,24 @@ std::wstring PluginFolderReport::ToText() const {
 PluginLoadResult PluginLoader::LoadModule(const std::wstring& path) {
     PluginLoadResult result;
     result.path = path;
+    const std::vector<ISensorInfo*> before = ISensorInfo::SensorTypes();
 #ifdef _WIN32
-    if (LoadLibraryW(path.c_str()) != nullptr)
-        result.loaded = true;
-    else
+    result.handle = LoadLibraryW(path.c_str());
+    if (result.handle == nullptr)
         result.error = SystemMessage(GetLastError());
 #else
     dlerror(); // clear a message left by someone else
-    if (dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_GLOBAL) != nullptr) {
-        result.loaded = true;
-    } else {
+    result.handle = dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_GLOBAL);
+    if (result.handle == nullptr) {
         const char* message = dlerror();
         result.error = FromUtf8(message != nullptr ? message : "unknown loader error");
     }
 #endif
+    result.loaded = result.handle != nullptr;
+    for (ISensorInfo* type : ISensorInfo::SensorTypes()) {
+        if (std::find(before.begin(), before.end(), type) == before.end())
+            result.sensorTypes.push_back(type);
+    }
     return result;
 }
 

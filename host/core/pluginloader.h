@@ -9,10 +9,14 @@
 #include <string>
 #include <vector>
 
+class ISensorInfo;
+
 struct PluginLoadResult {
     std::wstring path;
     bool loaded = false;
-    std::wstring error; // the system loader's message when not loaded
+    std::wstring error;                    // the system loader's message when not loaded
+    void* handle = nullptr;                // the module instance (for ISensorInfo::Initialize) when loaded
+    std::vector<ISensorInfo*> sensorTypes; // the types that loading it registered (none on a second load)
 };
 
 struct PluginFolderReport {

@@ -51,6 +51,10 @@ TEST(PluginHostTest, ModuleRegistersTheVexaSensorType) {
     ASSERT_TRUE(report.AllLoaded()) << ToUtf8(report.ToText());
     EXPECT_NE(report.ToText().find(L"VexaSens.sdll: loaded"), std::wstring::npos);
     EXPECT_NE(report.ToText().find(L"Sensor types: VEXA"), std::wstring::npos);
+    const PluginLoadResult& module = report.modules.front();
+    EXPECT_NE(module.handle, nullptr);
+    ASSERT_EQ(module.sensorTypes.size(), 1u);
+    EXPECT_EQ(module.sensorTypes[0]->ShortName(), L"VEXA");
 
     ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA");
     ASSERT_NE(info, nullptr);
@@ -62,7 +66,7 @@ TEST(PluginHostTest, ModuleRegistersTheVexaSensorType) {
     EXPECT_EQ(info->GetDescription(), L"This is a VEXARON sensor");
 
     // Loading again adds no second sensor type.
-    PluginLoader::LoadFolder(PluginDir());
+    EXPECT_TRUE(PluginLoader::LoadFolder(PluginDir()).modules.front().sensorTypes.empty());
     int vexaTypes = 0;
     for (ISensorInfo* type : ISensorInfo::SensorTypes())
         vexaTypes += type->ShortName() == L"VEXA";
