@@ -48,18 +48,11 @@ QStringList PluginCatalog::LoadFolder(const QString& folder) {
     m_modules.clear();
     const QDir dir(m_folder);
     m_folderFound = dir.exists();
-    if (!m_folderFound) {
-        log << QStringLiteral("The plug-in folder %1 does not exist.")
-                   .arg(QDir::toNativeSeparators(m_folder));
+    // A missing folder or one without modules is told by Problem().
+    if (!m_folderFound)
         return log;
-    }
     const QString pattern = QLatin1Char('*') + QString::fromWCharArray(PluginLoader::kModuleSuffix);
     const QStringList files = dir.entryList({pattern}, QDir::Files | QDir::Readable, QDir::Name);
-    if (files.isEmpty()) {
-        log << QStringLiteral("No sensor modules (%1) in %2.")
-                   .arg(pattern, QDir::toNativeSeparators(m_folder));
-        return log;
-    }
     for (const QString& file : files) {
         Module module = LoadModule(dir.filePath(file), &log);
         for (ISensorInfo* type : std::as_const(module.sensorTypes)) {

@@ -18,7 +18,8 @@ public:
         QList<ISensorInfo*> sensorTypes; // the types it registered, initialised
     };
 
-    // Loads every module of `folder` in file-name order. Returns the lines worth logging.
+    // Loads every module of `folder` in file-name order. Returns the lines worth logging about the
+    // modules found; a folder without any is described by Problem().
     QStringList LoadFolder(const QString& folder);
 
     const QString& Folder() const { return m_folder; }

@@ -39,7 +39,7 @@ ToolListWidget::ToolListWidget(QWidget* parent) : QWidget(parent) {
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setMouseTracking(true);
 
-    m_description = new QLabel(kHint, this);
+    m_description = new QLabel(this);
     m_description->setObjectName(QStringLiteral("toolDescription"));
     m_description->setWordWrap(true);
     m_description->setMinimumHeight(2 * fontMetrics().height());

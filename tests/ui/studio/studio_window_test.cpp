@@ -6,6 +6,7 @@
 #include "instrumentlistmodel.h"
 #include "instrumentstore.h"
 #include "loopback.h"
+#include "loopbackpeer.h"
 #include "managedinstrument.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
@@ -14,10 +15,12 @@
 #include "toollist.h"
 #include "winsockerror.h"
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTableView>
+#include <QTimer>
 #include <QTreeWidget>
 
 namespace {
@@ -180,4 +183,28 @@ TEST_F(StudioTest, SavedInstrumentsComeBackAndRunInstrumentsJoinThem) {
     EXPECT_EQ(saved[0].name, "Lab unit");
     EXPECT_EQ(saved[1].name, "Old unit");
     EXPECT_EQ(saved[1].sensorType, "NOPE");
+}
+
+TEST_F(StudioTest, SilentInstrumentKeepsTheWindowLiveAndIsDropped) {
+    // Accepts the link and the command channel, reads everything, answers nothing.
+    LoopbackPeer peer([&](int socket) { LoopbackPeer::ReadUntilClosed(socket, 20000); });
+    StartStudio(BuiltPluginDir(), {QString::fromStdString(peer.address())});
+    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
+
+    // The status poll waits for an answer that never comes; the window's events keep flowing meanwhile.
+    QElapsedTimer clock;
+    clock.start();
+    qint64 last = 0, longestGap = 0;
+    QTimer heartbeat;
+    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
+        longestGap = qMax(longestGap, clock.elapsed() - last);
+        last = clock.elapsed();
+    });
+    heartbeat.start(50);
+    EXPECT_TRUE(WaitFor([&] { return Instrument(0).GetState() == ManagedInstrument::State::Offline; }, 30000))
+        << LogText().toStdString();
+    heartbeat.stop();
+    EXPECT_GT(clock.elapsed(), 1000) << "the instrument was given time to answer";
+    EXPECT_LT(longestGap, 1000) << "the window stalled while the instrument was silent";
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains("went off line"); })) << LogText().toStdString();
 }
