@@ -131,7 +131,7 @@ int CopyTree(CliContext& ctx, const CpArgs& args, const FileOperand& from, const
     }
     if (ctx.options.verbose)
         std::cerr << "vexa: cp " << args.from << " -> " << Narrow(targetName) << ": " << job.CopiedCount()
-                  << " of " << job.FileCount() << " files copied\n";
+                  << " of " << job.FileCount() << " files copied over the link\n";
     return complete ? kExitOk : std::max(code, int(kExitFailed));
 }
 
