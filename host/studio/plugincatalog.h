@@ -33,9 +33,6 @@ public:
     QString Problem() const;
 
 private:
-    // Loads one module (once per process) and initialises the sensor types it brought.
-    static Module LoadModule(const QString& path, QStringList* log);
-
     QString m_folder;
     bool m_folderFound = false;
     QList<Module> m_modules;

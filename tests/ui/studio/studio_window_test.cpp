@@ -125,16 +125,21 @@ TEST_F(StudioTest, UnreachableInstrumentShowsOffLineWithTheErrorNumber) {
     EXPECT_TRUE(window.OnlineButton()->isEnabled());
 }
 
-TEST_F(StudioTest, PluginFolderWithoutModulesSaysSo) {
+TEST_F(StudioTest, PluginFolderWithoutUsableModulesSaysSo) {
     struct Case {
         const char* name;
-        bool create;
+        const char* moduleFile; // null: no folder at all; empty: an empty folder
         const char* says;
     };
-    for (const Case& c : {Case{"empty", true, "No sensor modules (*.sdll) were found in"},
-                          Case{"missing", false, "does not exist"}}) {
+    for (const Case& c : {Case{"empty", "", "No sensor modules (*.sdll) were found in"},
+                          Case{"missing", nullptr, "does not exist"},
+                          Case{"broken", "Broken.sdll", "could be loaded: Broken.sdll: "}}) {
         SCOPED_TRACE(c.name);
-        const std::string folder = c.create ? m_temp.createDir(c.name) : m_temp.file(c.name);
+        std::string folder = m_temp.file(c.name);
+        if (c.moduleFile)
+            folder = m_temp.createDir(c.name);
+        if (c.moduleFile && *c.moduleFile)
+            m_temp.createFile(std::string(c.name) + "/" + c.moduleFile, "not a loadable module");
         StudioWindow& window = StartStudio(QString::fromStdString(folder));
         EXPECT_FALSE(window.Banner()->isHidden());
         EXPECT_TRUE(window.Banner()->text().contains(c.says)) << window.Banner()->text().toStdString();
