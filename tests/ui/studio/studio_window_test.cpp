@@ -10,6 +10,7 @@
 #include "managedinstrument.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
+#include "sensorobject.h"
 #include "simulator.h"
 #include "statuspanel.h"
 #include "toollist.h"
@@ -69,6 +70,8 @@ TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
     EXPECT_EQ(StateCell(window, 0), "On line");
     EXPECT_EQ(window.OnlineButton()->text(), "Go off line");
     EXPECT_TRUE(LogText().contains(address + " is on line.")) << LogText().toStdString();
+    EXPECT_TRUE(
+        window.Sensors().Validate({"Other", address, "VEXA"}).text.contains("already has the address"));
     EXPECT_TRUE(WaitFor([&] { return LogText().contains("sensor event 6 [on line]"); }))
         << LogText().toStdString();
 
@@ -86,6 +89,13 @@ TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
     EXPECT_EQ(tree->topLevelItem(1)->childCount(), 11);
     EXPECT_GE(tree->topLevelItem(2)->childCount(), 1);
     EXPECT_EQ(tree->topLevelItem(2)->child(0)->text(0), "Type:");
+
+    // A new name keeps the connection; a new address makes a new sensor, taken on line again.
+    ISensorObject* sensor = Instrument(0).Sensor();
+    ASSERT_TRUE(window.Sensors().Replace(0, {"Bench", address, "VEXA"}));
+    EXPECT_EQ(Instrument(0).Sensor(), sensor);
+    EXPECT_EQ(sensor->GetName(), L"Bench");
+    EXPECT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online);
 
     // The run's instrument is not saved.
     EXPECT_TRUE(window.Sensors().SavedConfigs().isEmpty());
