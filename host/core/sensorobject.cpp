@@ -449,13 +449,18 @@ void ISensorObject::OnTimer(int64_t) {
 
 void ISensorObject::PollDevice() {
     IChannel* channel = GetChannel();
-    if (!channel || !channel->IsOpen())
+    if (!channel)
         return;
+    if (!channel->IsOpen()) {
+        // A sensor whose status channel is gone would stay "on line" with a frozen panel.
+        Disconnect(kWsaNotConn);
+        return;
+    }
     std::wstring answer;
     int error = 0;
     if (!channel->Command(L"status", &answer, &error)) {
         if (error != kWsaWouldBlock) // "busy" is no reason to go off line
-            Disconnect(0);
+            Disconnect(uint32_t(error)); // the off-line event then says why
         return;
     }
     const IDevice::Snapshot values = ParseStatus(ToUtf8(answer));
@@ -466,7 +471,7 @@ void ISensorObject::PollDevice() {
     answer.clear();
     if (!channel->Command(L"events", &answer, &error)) {
         if (error != kWsaWouldBlock)
-            Disconnect(0);
+            Disconnect(uint32_t(error));
         return;
     }
     size_t start = 0;

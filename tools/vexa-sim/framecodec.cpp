@@ -1,5 +1,7 @@
 #include "framecodec.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 
 #include "byteorder.h"
@@ -38,8 +40,11 @@ FrameHeader FrameCodec::DecodeHeader(const HeaderBytes& bytes) {
 
 std::vector<std::uint8_t> FrameCodec::Encode(const Frame& frame) {
     const HeaderBytes header = EncodeHeader(frame.header);
-    std::vector<std::uint8_t> bytes(header.begin(), header.end());
-    bytes.insert(bytes.end(), frame.payload.begin(), frame.payload.end());
+    // Sized once and filled with copies: growing the vector by insert trips a false array-bounds
+    // warning of GCC 12 at -O2.
+    std::vector<std::uint8_t> bytes(header.size() + frame.payload.size());
+    std::copy(header.begin(), header.end(), bytes.begin());
+    std::copy(frame.payload.begin(), frame.payload.end(), bytes.begin() + std::ptrdiff_t(header.size()));
     return bytes;
 }
 
@@ -60,8 +65,9 @@ Frame FrameCodec::MakeReply(std::uint32_t argument, std::uint32_t status, const 
     Frame frame;
     frame.header.kind = wire::kKindReply;
     frame.header.argument = argument;
-    wire::AppendU32(frame.payload, status);
-    frame.payload.insert(frame.payload.end(), message.begin(), message.end());
+    frame.payload.resize(4 + message.size());
+    wire::PutU32(frame.payload.data(), status);
+    std::copy(message.begin(), message.end(), frame.payload.begin() + 4);
     frame.header.length = static_cast<std::uint32_t>(frame.payload.size());
     return frame;
 }
