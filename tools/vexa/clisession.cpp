@@ -64,9 +64,13 @@ bool CliSession::Connect(const std::wstring& host, int* error) {
     return false;
 }
 
-std::string Narrow(const std::wstring& text) { return ToUtf8(text); }
+std::string Narrow(const std::wstring& text) {
+    return ToUtf8(text);
+}
 
-std::wstring Widen(const std::string& text) { return FromUtf8(text); }
+std::wstring Widen(const std::string& text) {
+    return FromUtf8(text);
+}
 
 std::wstring HostOperand(const std::string& text) {
     std::string host = text;
