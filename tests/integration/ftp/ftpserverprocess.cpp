@@ -81,9 +81,9 @@ FtpServerProcess::~FtpServerProcess() {
 }
 
 bool FtpServerProcess::Start(const std::string& home, const std::string& user, std::string* whyNot,
-                             bool* skippable) {
+                             bool* skippable, const std::string& address) {
     *skippable = false;
-    m_address = FreshLoopbackAddress();
+    m_address = address.empty() ? FreshLoopbackAddress() : address;
     std::string lastReason = "no python3 found";
     for (const std::string& python : PythonCandidates()) {
         int pipeFds[2];

@@ -13,7 +13,10 @@ public:
     // Starts the server for `user` (empty password) with `home` as its root and waits, for at most
     // 15 s, until it listens. False with the reason in `whyNot` (no python3 with pyftpdlib, port 21 not
     // allowed, ...); `skippable` is true when the reason is the machine's, not the code under test's.
-    bool Start(const std::string& home, const std::string& user, std::string* whyNot, bool* skippable);
+    // `address` picks the loopback address (for example a simulator's, so that the link and FTP serve
+    // the same host); empty: a fresh one.
+    bool Start(const std::string& home, const std::string& user, std::string* whyNot, bool* skippable,
+               const std::string& address = {});
     const std::string& address() const { return m_address; }
     std::wstring host() const { return std::wstring(m_address.begin(), m_address.end()); }
 
