@@ -27,9 +27,11 @@ if [ $fresh -eq 1 ] || [ ! -d "$root" ]; then
     cp -a tools/vexa-sim/demo "$root"
 fi
 
-"$bin/vexa-sim" --root "$root" --address "$address" 2>build/vexa-sim.log &
+"$bin/vexa-sim" --root "$root" --address "$address" >build/vexa-sim.log 2>&1 &
 sim=$!
+# The simulator goes with this script, however it ends.
 trap 'kill $sim 2>/dev/null; wait $sim 2>/dev/null || true' EXIT
+trap 'exit 130' INT TERM
 for _ in $(seq 50); do
     "$bin/vexa" --quiet ping "$address" >/dev/null 2>&1 && break
     kill -0 $sim 2>/dev/null || { echo "the simulator did not start:"; cat build/vexa-sim.log; exit 1; }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <netinet/in.h>
 #include <stdexcept>
 #include <sys/socket.h>
@@ -61,6 +62,8 @@ int Spawn(const std::vector<std::string>& arguments, const std::string& logPath)
     const pid_t pid = ::fork();
     if (pid == 0) {
         // Only async-signal-safe calls between fork and exec: the test program may have threads.
+        // A test killed by its time limit must not leave the simulator running.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         ::dup2(nullFd, 0);
         ::dup2(logFd, 1);
         ::dup2(logFd, 2);
