@@ -17,7 +17,7 @@ enum class Length { None, HH, H, L, LL, LongDouble, Size, IntMax, PtrDiff, I32 }
 
 // One conversion: %[flags][width][.precision][length]conv. Width and precision are -1 when absent
 // and -2 when given as '*' (taken from the arguments).
-struct ConversionSpec {
+struct Conversion {
     std::string flags;
     int width = -1;
     int precision = -1;
@@ -26,15 +26,15 @@ struct ConversionSpec {
 };
 
 // Parses the part after '%' at `pos`; returns false (pos untouched) when the text is no conversion.
-bool ParseSpec(const wchar_t* format, size_t& pos, ConversionSpec& spec) {
+bool ParseConversion(const wchar_t* format, size_t& pos, Conversion& conv) {
     size_t p = pos;
     while (format[p] == L'-' || format[p] == L'+' || format[p] == L' ' || format[p] == L'0' ||
            format[p] == L'#') {
-        spec.flags += static_cast<char>(format[p]);
+        conv.flags += static_cast<char>(format[p]);
         ++p;
     }
     if (format[p] == L'*') {
-        spec.width = -2;
+        conv.width = -2;
         ++p;
     } else if (format[p] >= L'0' && format[p] <= L'9') {
         int width = 0;
@@ -42,12 +42,12 @@ bool ParseSpec(const wchar_t* format, size_t& pos, ConversionSpec& spec) {
             width = width < 100000 ? width * 10 + (format[p] - L'0') : width;
             ++p;
         }
-        spec.width = width;
+        conv.width = width;
     }
     if (format[p] == L'.') {
         ++p;
         if (format[p] == L'*') {
-            spec.precision = -2;
+            conv.precision = -2;
             ++p;
         } else {
             int precision = 0;
@@ -55,53 +55,53 @@ bool ParseSpec(const wchar_t* format, size_t& pos, ConversionSpec& spec) {
                 precision = precision < 100000 ? precision * 10 + (format[p] - L'0') : precision;
                 ++p;
             }
-            spec.precision = precision;
+            conv.precision = precision;
         }
     }
     switch (format[p]) {
     case L'h':
         ++p;
-        spec.length = Length::H;
+        conv.length = Length::H;
         if (format[p] == L'h') {
-            spec.length = Length::HH;
+            conv.length = Length::HH;
             ++p;
         }
         break;
     case L'l':
     case L'w':
         ++p;
-        spec.length = Length::L;
+        conv.length = Length::L;
         if (format[p - 1] == L'l' && format[p] == L'l') {
-            spec.length = Length::LL;
+            conv.length = Length::LL;
             ++p;
         }
         break;
     case L'L':
         ++p;
-        spec.length = Length::LongDouble;
+        conv.length = Length::LongDouble;
         break;
     case L'z':
         ++p;
-        spec.length = Length::Size;
+        conv.length = Length::Size;
         break;
     case L'j':
         ++p;
-        spec.length = Length::IntMax;
+        conv.length = Length::IntMax;
         break;
     case L't':
         ++p;
-        spec.length = Length::PtrDiff;
+        conv.length = Length::PtrDiff;
         break;
     case L'I':
         ++p;
         if (format[p] == L'6' && format[p + 1] == L'4') {
-            spec.length = Length::LL;
+            conv.length = Length::LL;
             p += 2;
         } else if (format[p] == L'3' && format[p + 1] == L'2') {
-            spec.length = Length::I32;
+            conv.length = Length::I32;
             p += 2;
         } else {
-            spec.length = Length::Size;
+            conv.length = Length::Size;
         }
         break;
     default:
@@ -128,7 +128,7 @@ bool ParseSpec(const wchar_t* format, size_t& pos, ConversionSpec& spec) {
     case L'S':
     case L'p':
     case L'n':
-        spec.conv = format[p];
+        conv.conv = format[p];
         pos = p + 1;
         return true;
     default:
@@ -147,10 +147,10 @@ bool IsFloat(wchar_t conv) {
            conv == L'a' || conv == L'A';
 }
 // In the wide printf family %s/%c take wide text unless 'h' says narrow; %S/%C the other way round.
-bool IsWideText(const ConversionSpec& spec) {
-    if (spec.conv == L's' || spec.conv == L'c')
-        return spec.length != Length::H && spec.length != Length::HH;
-    return spec.length == Length::L;
+bool IsWideText(const Conversion& conv) {
+    if (conv.conv == L's' || conv.conv == L'c')
+        return conv.length != Length::H && conv.length != Length::HH;
+    return conv.length == Length::L;
 }
 
 // One argument taken from the list, whatever its kind.
@@ -163,10 +163,10 @@ struct ArgValue {
 };
 
 // Takes the argument a conversion needs, with the type the caller passed.
-ArgValue FetchArg(const ConversionSpec& spec, va_list& args) {
+ArgValue FetchArg(const Conversion& conv, va_list& args) {
     ArgValue v;
-    if (IsSigned(spec.conv)) {
-        switch (spec.length) {
+    if (IsSigned(conv.conv)) {
+        switch (conv.length) {
         case Length::HH:
             v.i = static_cast<signed char>(va_arg(args, int));
             break;
@@ -190,8 +190,8 @@ ArgValue FetchArg(const ConversionSpec& spec, va_list& args) {
             v.i = va_arg(args, int);
             break;
         }
-    } else if (IsUnsigned(spec.conv)) {
-        switch (spec.length) {
+    } else if (IsUnsigned(conv.conv)) {
+        switch (conv.length) {
         case Length::HH:
             v.u = static_cast<unsigned char>(va_arg(args, unsigned));
             break;
@@ -215,12 +215,12 @@ ArgValue FetchArg(const ConversionSpec& spec, va_list& args) {
             v.u = va_arg(args, unsigned);
             break;
         }
-    } else if (IsFloat(spec.conv)) {
-        if (spec.length == Length::LongDouble)
+    } else if (IsFloat(conv.conv)) {
+        if (conv.length == Length::LongDouble)
             v.ld = va_arg(args, long double);
         else
             v.d = va_arg(args, double);
-    } else if (spec.conv == L'c' || spec.conv == L'C') {
+    } else if (conv.conv == L'c' || conv.conv == L'C') {
         v.u = static_cast<unsigned>(va_arg(args, int));
     } else {
         v.ptr = va_arg(args, const void*);
@@ -233,9 +233,9 @@ void AppendNarrow(std::wstring& out, const std::string& text) {
         out += static_cast<wchar_t>(static_cast<unsigned char>(c));
 }
 
-void AppendPadded(std::wstring& out, const std::wstring& text, const ConversionSpec& spec) {
-    const size_t width = spec.width > 0 ? static_cast<size_t>(spec.width) : 0;
-    const bool left = spec.flags.find('-') != std::string::npos;
+void AppendPadded(std::wstring& out, const std::wstring& text, const Conversion& conv) {
+    const size_t width = conv.width > 0 ? static_cast<size_t>(conv.width) : 0;
+    const bool left = conv.flags.find('-') != std::string::npos;
     if (!left && text.size() < width)
         out.append(width - text.size(), L' ');
     out += text;
@@ -257,67 +257,67 @@ std::string RunSnprintf(const std::string& format, auto... value) {
 }
 
 // Appends one conversion with resolved width and precision (-1 when absent).
-void AppendConversion(std::wstring& out, const ConversionSpec& spec, const ArgValue& v) {
-    if (spec.conv == L'n')
+void AppendConversion(std::wstring& out, const Conversion& conv, const ArgValue& v) {
+    if (conv.conv == L'n')
         return; // writing back a count is never wanted from a format text
-    if (spec.conv == L's' || spec.conv == L'S') {
+    if (conv.conv == L's' || conv.conv == L'S') {
         std::wstring text;
         if (v.ptr == nullptr) {
             text = L"(null)";
-        } else if (IsWideText(spec)) {
+        } else if (IsWideText(conv)) {
             const auto* s = static_cast<const wchar_t*>(v.ptr);
             size_t len = 0;
-            while (s[len] != 0 && (spec.precision < 0 || len < static_cast<size_t>(spec.precision)))
+            while (s[len] != 0 && (conv.precision < 0 || len < static_cast<size_t>(conv.precision)))
                 ++len;
             text.assign(s, len);
         } else {
             const auto* s = static_cast<const char*>(v.ptr);
             text = FromUtf8(s);
-            if (spec.precision >= 0 && text.size() > static_cast<size_t>(spec.precision))
-                text.resize(static_cast<size_t>(spec.precision));
+            if (conv.precision >= 0 && text.size() > static_cast<size_t>(conv.precision))
+                text.resize(static_cast<size_t>(conv.precision));
         }
-        AppendPadded(out, text, spec);
+        AppendPadded(out, text, conv);
         return;
     }
-    if (spec.conv == L'c' || spec.conv == L'C') {
-        wchar_t c = IsWideText(spec) ? static_cast<wchar_t>(v.u)
+    if (conv.conv == L'c' || conv.conv == L'C') {
+        wchar_t c = IsWideText(conv) ? static_cast<wchar_t>(v.u)
                                      : static_cast<wchar_t>(static_cast<unsigned char>(v.u));
-        AppendPadded(out, std::wstring(1, c), spec);
+        AppendPadded(out, std::wstring(1, c), conv);
         return;
     }
-    std::string narrow = "%" + spec.flags;
-    if (spec.width >= 0)
-        narrow += std::to_string(spec.width);
-    if (spec.precision >= 0)
-        narrow += "." + std::to_string(spec.precision);
-    if (IsSigned(spec.conv)) {
+    std::string narrow = "%" + conv.flags;
+    if (conv.width >= 0)
+        narrow += std::to_string(conv.width);
+    if (conv.precision >= 0)
+        narrow += "." + std::to_string(conv.precision);
+    if (IsSigned(conv.conv)) {
         AppendNarrow(out, RunSnprintf(narrow + "lld", v.i));
-    } else if (IsUnsigned(spec.conv)) {
-        AppendNarrow(out, RunSnprintf(narrow + "ll" + static_cast<char>(spec.conv), v.u));
-    } else if (IsFloat(spec.conv)) {
-        if (spec.length == Length::LongDouble)
-            AppendNarrow(out, RunSnprintf(narrow + "L" + static_cast<char>(spec.conv), v.ld));
+    } else if (IsUnsigned(conv.conv)) {
+        AppendNarrow(out, RunSnprintf(narrow + "ll" + static_cast<char>(conv.conv), v.u));
+    } else if (IsFloat(conv.conv)) {
+        if (conv.length == Length::LongDouble)
+            AppendNarrow(out, RunSnprintf(narrow + "L" + static_cast<char>(conv.conv), v.ld));
         else
-            AppendNarrow(out, RunSnprintf(narrow + static_cast<char>(spec.conv), v.d));
-    } else if (spec.conv == L'p') {
+            AppendNarrow(out, RunSnprintf(narrow + static_cast<char>(conv.conv), v.d));
+    } else if (conv.conv == L'p') {
         AppendNarrow(out, RunSnprintf(narrow + "p", v.ptr));
     }
 }
 
 // A '*' width or precision from the arguments; a negative width means left-justified and a negative
 // precision means none, as in printf.
-void ResolveStars(ConversionSpec& spec, va_list& args) {
-    if (spec.width == -2) {
+void ResolveStars(Conversion& conv, va_list& args) {
+    if (conv.width == -2) {
         int width = va_arg(args, int);
         if (width < 0) {
-            spec.flags += '-';
+            conv.flags += '-';
             width = width == INT32_MIN ? INT32_MAX : -width;
         }
-        spec.width = width;
+        conv.width = width;
     }
-    if (spec.precision == -2) {
+    if (conv.precision == -2) {
         const int precision = va_arg(args, int);
-        spec.precision = precision < 0 ? -1 : precision;
+        conv.precision = precision < 0 ? -1 : precision;
     }
 }
 
@@ -337,16 +337,16 @@ std::wstring FormatList(const wchar_t* format, va_list& args) {
             ++pos;
             continue;
         }
-        ConversionSpec spec;
+        Conversion conv;
         const size_t start = pos;
-        if (!ParseSpec(format, pos, spec)) {
+        if (!ParseConversion(format, pos, conv)) {
             // Not a conversion: keep the text as it stands.
             out += L'%';
             pos = start;
             continue;
         }
-        ResolveStars(spec, args);
-        AppendConversion(out, spec, FetchArg(spec, args));
+        ResolveStars(conv, args);
+        AppendConversion(out, conv, FetchArg(conv, args));
     }
     return out;
 }
@@ -354,10 +354,10 @@ std::wstring FormatList(const wchar_t* format, va_list& args) {
 // One insert of a message text: its argument number and its printf form ("s" when none is given).
 struct Insert {
     int number = 0;
-    ConversionSpec spec;
+    Conversion conv;
 };
 
-// Parses "%<n>" and an optional "!spec!" after the '%' at `pos`; false when the text is no insert.
+// Parses "%<n>" and an optional "!conv!" after the '%' at `pos`; false when the text is no insert.
 bool ParseInsert(const wchar_t* format, size_t& pos, Insert& insert) {
     size_t p = pos;
     if (format[p] < L'1' || format[p] > L'9')
@@ -366,14 +366,14 @@ bool ParseInsert(const wchar_t* format, size_t& pos, Insert& insert) {
     if (format[p] >= L'0' && format[p] <= L'9')
         number = number * 10 + (format[p++] - L'0');
     insert.number = number;
-    insert.spec = ConversionSpec{};
-    insert.spec.conv = L's';
+    insert.conv = Conversion{};
+    insert.conv.conv = L's';
     if (format[p] == L'!') {
         size_t q = p + 1;
-        ConversionSpec spec;
+        Conversion conv;
         // Argument-taken widths are not supported inside inserts; such an insert stays literal text.
-        if (ParseSpec(format, q, spec) && format[q] == L'!' && spec.width != -2 && spec.precision != -2) {
-            insert.spec = spec;
+        if (ParseConversion(format, q, conv) && format[q] == L'!' && conv.width != -2 && conv.precision != -2) {
+            insert.conv = conv;
             p = q + 1;
         }
     }
@@ -396,13 +396,13 @@ std::wstring PXFormatMessage(const wchar_t* format, ...) {
         return {};
     // First pass: the highest insert number and each number's argument type, so the arguments can be
     // taken from the list in number order.
-    std::map<int, ConversionSpec> types;
+    std::map<int, Conversion> types;
     for (size_t pos = 0; format[pos] != 0;) {
         if (format[pos++] != L'%')
             continue;
         Insert insert;
         if (ParseInsert(format, pos, insert))
-            types.emplace(insert.number, insert.spec);
+            types.emplace(insert.number, insert.conv);
         else if (format[pos] != 0)
             ++pos;
     }
@@ -416,7 +416,7 @@ std::wstring PXFormatMessage(const wchar_t* format, ...) {
             values.push_back(FetchArg(it->second, args));
         } else {
             // A number the text never uses: its type is unknown; take one pointer-sized slot.
-            ConversionSpec unused;
+            Conversion unused;
             unused.conv = L'p';
             values.push_back(FetchArg(unused, args));
         }
@@ -433,7 +433,7 @@ std::wstring PXFormatMessage(const wchar_t* format, ...) {
         const wchar_t next = format[pos];
         Insert insert;
         if (ParseInsert(format, pos, insert)) {
-            AppendConversion(out, insert.spec, values[static_cast<size_t>(insert.number - 1)]);
+            AppendConversion(out, insert.conv, values[static_cast<size_t>(insert.number - 1)]);
             continue;
         }
         switch (next) {
