@@ -5,8 +5,8 @@
 namespace {
 
 // Texts stand exactly as the product shows them, oddities included ("make take", the uneven blanks of
-// the last data filter). The status texts (1034x-1035x) and the program messages (1036x) are this
-// module's own additions.
+// the last data filter). The status texts (1034x-1035x), the program messages (1036x) and the Manage
+// Files dialog's own texts (1038x-1039x) are this module's own additions.
 const PXStringEntry kStrings[] = {
     {IDS_DELETE_ONE, L"Are you sure you want to delete \"%1!s!\" on the %2!s!?\r\n\r\n"},
     {IDS_DELETE_FILES, L"Are you sure you want to delete the %1!d! files you selected on the %2!s!?\r\n\r\n"},
@@ -60,6 +60,26 @@ const PXStringEntry kStrings[] = {
      L"No %1!s! program is configured. Set the value %2!s! in the settings file %3!s!."},
     {IDS_PROGRAM_START_FAILED, L"Could not start %1!s! (%2!s!): error %3!s!."},
     {IDS_SAFETY_DB_OPEN_FAILED, L"Could not open the safety database page %1!s!: error %2!s!."},
+
+    {IDS_UNABLE_OPEN_LOCAL_FOLDER, L"Unable to open local folder %s"},
+    {IDS_UNABLE_OPEN_REMOTE_FOLDER, L"Unable to open remote folder %s"},
+    {IDS_REPLAY_SPEED, L"Replay Speed: %2d"},
+    {IDS_OVERWRITE_EDITED_FILE, L"Do you wish to overwrite\n\n"},
+    {IDS_LOCATION_INSTRUMENT, L"VEXARON"},
+    {IDS_LOCATION_PC, L"PC"},
+    {IDS_BACKUP_NOT_AVAILABLE, L"Backups of the instrument are not yet available in this build."},
+    {IDS_SELECT_FILE_NOT_AVAILABLE,
+     L"The file selection dialog is not yet available in this build of the module."},
+    {IDS_FILE_DESCRIPTION, L"%1!s! \x2014 %2!s! \x2014 %3!s!"},
+    {IDS_FILE_DESC_TEXT, L"Text or configuration file"},
+    {IDS_FILE_DESC_OTHER, L"File"},
+    {IDS_TEXT_FILE_READ_FAILED, L"Could not read %1!s!: error %2!s!."},
+    {IDS_TEXT_FILE_WRITE_FAILED, L"Could not write %1!s!: error %2!s!. The file is left as it was."},
+    {IDS_REPLAY_FAILED, L"The instrument did not start the replay of %1!s!: error %2!s!."},
+    {IDS_OVERWRITE_TARGET, L"It would replace %1!s!."},
+    {IDS_TUNE_REPORTS_NOT_AVAILABLE,
+     L"The tune reports dialog is not yet available in this build of the module."},
+    {IDS_INVALID_NAME, L"\"%1!s!\" cannot be the name of a file or folder: %2!s!."},
 
     {IDS_MENU_OPEN_PROMPT,
      L"Shows the contents of the selected folder or opens the selected file for review"},

@@ -1,0 +1,107 @@
+#include "filemanagerfixture.h"
+
+#include "explorerctrl.h"
+#include "vexacommsensor.h"
+#include "vexafiledlg.h"
+#include "vexasensorobject.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QTest>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+FileManagerTest::FileManagerTest() {
+    const char* source = std::getenv("VEXA_SOURCE_DIR");
+    if (!source)
+        throw std::runtime_error("VEXA_SOURCE_DIR is not set");
+    fs::copy(fs::path(source) / "tools/vexa-sim/demo", m_temp.file("instrument"),
+             fs::copy_options::recursive);
+    m_temp.createDir("pc");
+    SetAccess("0,1");
+}
+
+FileManagerTest::~FileManagerTest() {
+    m_dialog.reset();
+    if (m_sensor) {
+        m_sensor->Disconnect(0);
+        m_sensor->DecRef();
+    }
+    m_simulator.reset();
+    unsetenv("VEXA_ACCESS");
+}
+
+void FileManagerTest::StartInstrument(const std::vector<std::string>& simulatorArgs) {
+    m_simulator = std::make_unique<SimulatorProcess>(m_temp.file("instrument"), simulatorArgs);
+    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host()));
+    AttachVexaCommSensor(*m_sensor);
+    ASSERT_TRUE(m_sensor->GoOnline()) << "the sensor did not go on line to " << m_simulator->address();
+}
+
+void FileManagerTest::SetAccess(const char* levels) {
+    setenv("VEXA_ACCESS", levels, 1);
+}
+
+CVexaFileDlg& FileManagerTest::OpenDialog() {
+    m_dialog = std::make_unique<CVexaFileDlg>(*m_sensor);
+    m_dialog->SetTitle(L"Manage Files");
+    m_dialog->SetLocalStartFolder(Wide(PcFolder()));
+    m_dialog->resize(1000, 640);
+    m_dialog->show();
+    QApplication::processEvents();
+    return *m_dialog;
+}
+
+int FileManagerTest::RowOf(CPXExplorerCtrl* view, const std::wstring& name) {
+    for (int row = 0; row < view->GetItemCount(); ++row)
+        if (view->GetItemText(row) == name)
+            return row;
+    return -1;
+}
+
+std::vector<std::wstring> FileManagerTest::Names(CPXExplorerCtrl* view) {
+    std::vector<std::wstring> names;
+    for (int row = 0; row < view->GetItemCount(); ++row)
+        names.push_back(view->GetItemText(row));
+    return names;
+}
+
+void FileManagerTest::Select(CPXExplorerCtrl* view, const std::vector<std::wstring>& names) {
+    view->ClearSelection();
+    for (const std::wstring& name : names) {
+        const int row = RowOf(view, name);
+        ASSERT_GE(row, 0) << "not listed: " << QString::fromStdWString(name).toStdString();
+        view->SelectItem(row, true);
+    }
+}
+
+bool FileManagerTest::WaitFor(const std::function<bool()>& done, int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > ms)
+            return false;
+        QTest::qWait(10);
+    }
+    return true;
+}
+
+QPoint FileManagerTest::CenterOf(const QWidget* widget) {
+    return widget->mapToGlobal(widget->rect().center());
+}
+
+void FileManagerTest::DragRowTo(CPXExplorerCtrl* from, int row, const QPoint& globalDrop) {
+    QWidget* viewport = from->viewport();
+    const QPoint press = from->visualItemRect(from->topLevelItem(row)).center();
+    QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, press);
+    // Beyond the drag distance with the button held: the list starts its drag.
+    const QPoint moved = press + QPoint(QApplication::startDragDistance() * 3, 0);
+    QMouseEvent move(QEvent::MouseMove, moved, viewport->mapToGlobal(moved), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(viewport, &move);
+    QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, viewport->mapFromGlobal(globalDrop));
+}

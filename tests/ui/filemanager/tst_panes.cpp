@@ -1,0 +1,274 @@
+// The dialog itself: start-up, navigation, the deferred button update, sorting, dragging, the access
+// rules on buttons, menu and keyboard, and the backup buttons' start-up rule.
+#include "filemanagerfixture.h"
+
+#include "explorerctrl.h"
+#include "resource.h"
+#include "sensorobject.h"
+#include "vexadevice.h"
+#include "vexafiledlg.h"
+#include "vexafilelist.h"
+#include "vexasensorobject.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QTest>
+
+#include <filesystem>
+
+namespace {
+
+std::vector<int> MenuCommands(QMenu& menu) {
+    std::vector<int> commands;
+    for (QAction* action : menu.actions())
+        if (!action->isSeparator())
+            commands.push_back(action->data().toInt());
+    return commands;
+}
+
+bool MenuItemEnabled(QMenu& menu, int command) {
+    for (QAction* action : menu.actions())
+        if (action->data().toInt() == command)
+            return action->isEnabled();
+    return false;
+}
+
+} // namespace
+
+TEST_F(FileManagerTest, StartUpShowsBothSidesWithCommandsDisabled) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    EXPECT_FALSE(dialog.HasEnded());
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Manage Files"));
+    EXPECT_TRUE(dialog.IsInstrumentOnline());
+    for (int id :
+         {IDC_FILEMGR_DELETE, IDC_FILEMGR_RENAME, IDC_FILEMGR_COPY_TO_REMOTE, IDC_FILEMGR_COPY_TO_LOCAL})
+        EXPECT_FALSE(dialog.GetDlgItem(id)->isEnabled()) << id;
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/");
+    EXPECT_NE(RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"Data"), -1);
+    EXPECT_NE(RowOf(dialog.View(CVexaFileDlg::kLocalPane), L"a.txt"), -1);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REPLAY_SPEED_LABEL), L"Replay Speed: 10");
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+TEST_F(FileManagerTest, UnreadableLocalFolderEndsTheDialogWithItsMessage) {
+    StartInstrument();
+    m_dialog = std::make_unique<CVexaFileDlg>(*m_sensor);
+    m_dialog->SetLocalStartFolder(L"/no/such/folder");
+    EXPECT_EQ(m_dialog->DoModal(), IDCANCEL);
+    const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].text, L"Unable to open local folder /no/such/folder");
+}
+
+TEST_F(FileManagerTest, OfflineInstrumentLeavesItsPaneEmptyWithoutAMessage) {
+    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(L"127.0.0.1"));
+    CVexaFileDlg& dialog = OpenDialog();
+    EXPECT_FALSE(dialog.HasEnded());
+    EXPECT_FALSE(dialog.IsInstrumentOnline());
+    EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+// Root folders have no ".." and a disabled up button; below them ".." is listed, counted and enabled.
+TEST_F(FileManagerTest, UpButtonAndObjectCountFollowTheParentEntry) {
+    m_temp.createFile("pc/sub/one.txt", "1");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    struct Case {
+        int pane;
+        int upId;
+        int statusId;
+    };
+    for (const Case& c : {Case{CVexaFileDlg::kRemotePane, IDC_FILEMGR_REMOTE_UP, IDC_FILEMGR_REMOTE_STATUS},
+                          Case{CVexaFileDlg::kLocalPane, IDC_FILEMGR_LOCAL_UP, IDC_FILEMGR_LOCAL_STATUS}}) {
+        const bool remote = c.pane == CVexaFileDlg::kRemotePane;
+        ASSERT_TRUE(remote ? dialog.ShowRemoteFolder(L"/") : dialog.ShowLocalFolder(L"/"));
+        CPXExplorerCtrl* view = dialog.View(c.pane);
+        EXPECT_EQ(RowOf(view, L".."), -1);
+        EXPECT_FALSE(dialog.GetDlgItem(c.upId)->isEnabled());
+
+        const std::wstring sub = remote ? L"/Method" : Wide(PcPath("sub"));
+        ASSERT_TRUE(remote ? dialog.ShowRemoteFolder(sub) : dialog.ShowLocalFolder(sub));
+        ASSERT_GE(view->GetItemCount(), 2);
+        EXPECT_EQ(view->GetItemText(0), L"..");
+        EXPECT_TRUE(dialog.GetDlgItem(c.upId)->isEnabled());
+        EXPECT_EQ(dialog.GetDlgItemText(c.statusId), std::to_wstring(view->GetItemCount()) + L" Object(s)");
+    }
+    // Up from /Method lands on the root, shown as "/", not "/Method/..".
+    dialog.UpOneFolder(CVexaFileDlg::kRemotePane);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/");
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled());
+}
+
+TEST_F(FileManagerTest, BurstOfSelectionChangesUpdatesTheButtonsOnce) {
+    for (int i = 0; i < 10; ++i)
+        m_temp.createFile("pc/file" + std::to_string(i) + ".txt", "x");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* view = dialog.View(CVexaFileDlg::kLocalPane);
+    ASSERT_EQ(view->GetItemCount(), 11); // ".." and ten files
+    const int before = dialog.DeferredUpdateCount();
+    for (int row = 1; row <= 10; ++row)
+        view->SelectItem(row, true);
+    EXPECT_EQ(dialog.DeferredUpdateCount(), before);
+    ASSERT_TRUE(WaitFor([&] { return dialog.DeferredUpdateCount() > before; }));
+    QTest::qWait(CVexaFileDlg::kButtonUpdateDelayMs * 2);
+    EXPECT_EQ(dialog.DeferredUpdateCount(), before + 1);
+    EXPECT_EQ(dialog.ActivePane(), CVexaFileDlg::kLocalPane);
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_DELETE)->isEnabled());
+}
+
+TEST_F(FileManagerTest, ColumnClicksFlipOrStartAscending) {
+    m_temp.createFile("pc/b.txt", std::string(30, 'b'));
+    m_temp.createFile("pc/a.txt", std::string(10, 'a'));
+    m_temp.createFile("pc/c.txt", std::string(20, 'c'));
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* view = dialog.View(CVexaFileDlg::kLocalPane);
+    using Names = std::vector<std::wstring>;
+    const Names ascending{L"..", L"a.txt", L"b.txt", L"c.txt"};
+    EXPECT_EQ(FileManagerTest::Names(view), ascending);
+
+    dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
+    EXPECT_EQ(FileManagerTest::Names(view), (Names{L"..", L"c.txt", L"b.txt", L"a.txt"}));
+    EXPECT_TRUE(view->SortDescending());
+    dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
+    EXPECT_EQ(FileManagerTest::Names(view), ascending);
+
+    // From descending by name, a new column starts ascending.
+    dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
+    dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnSize);
+    EXPECT_EQ(FileManagerTest::Names(view), (Names{L"..", L"a.txt", L"c.txt", L"b.txt"}));
+    EXPECT_EQ(view->SortColumn(), CPXExplorerCtrl::kColumnSize);
+    EXPECT_FALSE(view->SortDescending());
+}
+
+TEST_F(FileManagerTest, DropOnTheSourcePaneCopiesNothingAndOnTheOtherCopies) {
+    m_temp.createFile("pc/dragged.txt", "dragged");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    Select(pc, {L"dragged.txt"});
+
+    DragRowTo(pc, RowOf(pc, L"dragged.txt"), CenterOf(pc));
+    EXPECT_FALSE(dialog.IsDragging());
+    EXPECT_FALSE(FileExists(InstrumentPath("dragged.txt")));
+    EXPECT_EQ(RowOf(instrument, L"dragged.txt"), -1);
+
+    DragRowTo(pc, RowOf(pc, L"dragged.txt"), CenterOf(dialog.GetDlgItem(IDC_FILEMGR_DESCRIPTION)));
+    EXPECT_FALSE(FileExists(InstrumentPath("dragged.txt")));
+
+    DragRowTo(pc, RowOf(pc, L"dragged.txt"), CenterOf(instrument));
+    EXPECT_EQ(ReadWholeFile(InstrumentPath("dragged.txt")), "dragged");
+    EXPECT_NE(RowOf(instrument, L"dragged.txt"), -1);
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+TEST_F(FileManagerTest, WithoutLevelOneRenameAndDeleteStayDisabled) {
+    SetAccess("0");
+    m_temp.createFile("pc/keep.txt", "keep");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    Select(pc, {L"keep.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_RENAME)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_DELETE)->isEnabled());
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+
+    auto menu = dialog.BuildContextMenu(CVexaFileDlg::kLocalPane, RowOf(pc, L"keep.txt"));
+    EXPECT_TRUE(MenuItemEnabled(*menu, ID_FILEMGR_OPEN));
+    EXPECT_FALSE(MenuItemEnabled(*menu, ID_FILEMGR_RENAME));
+    EXPECT_FALSE(MenuItemEnabled(*menu, ID_FILEMGR_DELETE));
+
+    EXPECT_FALSE(pc->EditLabel(RowOf(pc, L"keep.txt")));
+    EXPECT_FALSE(pc->IsEditingLabel());
+    dialog.DeleteInPane(CVexaFileDlg::kLocalPane);
+    EXPECT_TRUE(FileExists(PcPath("keep.txt")));
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+// Without level 0: no replay controls, no extra menu items, Alt+H ignored, data files stay put.
+TEST_F(FileManagerTest, WithoutLevelZeroTheServiceFeaturesNeverAppear) {
+    SetAccess("1");
+    m_temp.createFile("pc/survey.vxz", "data");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REPLAY_SPEED)->isVisible());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REPLAY_SPEED_LABEL)->isVisible());
+
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    const size_t visible = Names(instrument).size();
+    QTest::keyClick(&dialog, Qt::Key_H, Qt::AltModifier);
+    EXPECT_FALSE(dialog.ShowHiddenEntries());
+    EXPECT_EQ(Names(instrument).size(), visible);
+    EXPECT_EQ(RowOf(instrument, L".config.level"), -1);
+
+    auto hostsMenu = dialog.BuildContextMenu(CVexaFileDlg::kRemotePane, RowOf(instrument, L"hosts"));
+    EXPECT_EQ(MenuCommands(*hostsMenu),
+              (std::vector<int>{ID_FILEMGR_OPEN, ID_FILEMGR_RENAME, ID_FILEMGR_DELETE}));
+    ASSERT_TRUE(dialog.ShowRemoteFolder(L"/Data"));
+    auto dataMenu = dialog.BuildContextMenu(CVexaFileDlg::kRemotePane, RowOf(instrument, L"run1.vxs"));
+    EXPECT_EQ(MenuCommands(*dataMenu).size(), 3u);
+
+    // A data file selected on the PC disables Copy -->; from the instrument it is skipped silently.
+    Select(dialog.View(CVexaFileDlg::kLocalPane), {L"survey.vxz"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    Select(instrument, {L"run1.vxs", L"run2.vxs"});
+    dialog.CopyToLocal();
+    EXPECT_FALSE(FileExists(PcPath("run1.vxs")));
+    EXPECT_FALSE(FileExists(PcPath("run2.vxs")));
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+TEST_F(FileManagerTest, AltHShowsHiddenInstrumentEntriesWithLevelZero) {
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    EXPECT_EQ(RowOf(instrument, L".config.level"), -1);
+    dialog.activateWindow();
+    QTest::keyClick(&dialog, Qt::Key_H, Qt::AltModifier);
+    EXPECT_NE(RowOf(instrument, L".config.level"), -1);
+    EXPECT_TRUE(dialog.RemoteList()->ShowHidden());
+}
+
+TEST_F(FileManagerTest, RunningMethodDisablesBothBackupButtons) {
+    const std::string profile = m_temp.createFile("profile.json", R"({"methodSeconds": 60})");
+    StartInstrument({"--profile", profile});
+    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    ASSERT_TRUE(device.runMethod(L"\"/Method/Default.mth\"")) << device.getLastError();
+    m_sensor->OnTimer(0);
+    ASSERT_FALSE(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess().empty());
+    CVexaFileDlg& dialog = OpenDialog();
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+}
+
+TEST_F(FileManagerTest, IdleInstrumentEnablesBackupButtonsWhichSayTheyAreNotAvailable) {
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+    ASSERT_TRUE(dialog.PressButton(IDC_FILEMGR_BACKUP_ALL));
+    const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].text.find(L"not yet available"), std::wstring::npos);
+}
+
+TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    ASSERT_GT(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
+    m_simulator->stop();
+    m_sensor->Disconnect(0);
+    ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
+    EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");
+}

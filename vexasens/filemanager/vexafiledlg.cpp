@@ -1,0 +1,628 @@
+// The Manage Files dialog's window: start-up, the two panes, navigation, sorting, the deferred button
+// update, drag and drop between the panes, the context menu, Alt+H and sensor notifications. The
+// commands behind the buttons are in vexafiledlgcommands.cpp.
+#include "vexafiledlg.h"
+
+#include "copyjob.h"
+#include "drivebox.h"
+#include "explorerctrl.h"
+#include "fileinfo.h"
+#include "nofocusbutton.h"
+#include "paths.h"
+#include "pxformat.h"
+#include "remotename.h"
+#include "resource.h"
+#include "sensornotifyevent.h"
+#include "sensorobject.h"
+#include "systemaccess.h"
+#include "ui_dialog1701.h"
+#include "vexadevice.h"
+#include "vexafiledescription.h"
+#include "vexafilekinds.h"
+#include "vexafilelist.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QLabel>
+#include <QMenu>
+#include <QShortcut>
+#include <QSlider>
+#include <QStyle>
+#include <QThread>
+#include <QTimerEvent>
+
+#include <set>
+
+namespace {
+
+// The observer's subscription: state changes, and the device notifications that end a backup.
+constexpr uint32_t kSensorMask = 0xF8000009;
+constexpr uint32_t kDeviceMask = 0xF8000008;
+constexpr int kDragImageOffset = 12;
+
+// Menu 1739, popup "FileManager".
+std::unique_ptr<QMenu> LoadFileManagerMenu(QWidget* parent) {
+    auto menu = std::make_unique<QMenu>(parent);
+    menu->setObjectName(QStringLiteral("FileManager"));
+    auto add = [&menu](const char* text, int command, int prompt) {
+        QAction* action = menu->addAction(QString::fromUtf8(text));
+        action->setData(command);
+        action->setStatusTip(QString::fromStdWString(CDialog_::LoadString(prompt)));
+        return action;
+    };
+    menu->setDefaultAction(add("&Open", ID_FILEMGR_OPEN, IDS_MENU_OPEN_PROMPT));
+    menu->addSeparator();
+    add("&Rename", ID_FILEMGR_RENAME, IDS_MENU_RENAME_PROMPT);
+    add("&Delete", ID_FILEMGR_DELETE, IDS_MENU_DELETE_PROMPT);
+    return menu;
+}
+
+// Listing may run on a copy worker: only the user-interface thread shows the wait cursor.
+void ShowListingBusy(bool busy) {
+    if (!qApp || QThread::currentThread() != qApp->thread())
+        return;
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+} // namespace
+
+CVexaFileDlg::CVexaFileDlg(ISensorObject& sensor, QWidget* parent)
+    : CDialog_(IDD_VEXA_FILE, parent), m_sensor(&sensor) {
+    m_sensor->IncRef();
+    Ui::Dialog1701 form;
+    SetupTemplate(form);
+    m_localView = qobject_cast<CPXExplorerCtrl*>(GetDlgItem(IDC_FILEMGR_LOCAL_LIST));
+    m_remoteView = qobject_cast<CPXExplorerCtrl*>(GetDlgItem(IDC_FILEMGR_REMOTE_LIST));
+    m_driveBox = qobject_cast<CPXDriveBox*>(GetDlgItem(IDC_FILEMGR_DRIVES));
+    m_speed = qobject_cast<QSlider*>(GetDlgItem(IDC_FILEMGR_REPLAY_SPEED));
+    m_speedLabel = qobject_cast<QLabel*>(GetDlgItem(IDC_FILEMGR_REPLAY_SPEED_LABEL));
+
+    ConnectPane(kLocalPane);
+    ConnectPane(kRemotePane);
+    connect(m_driveBox, &QComboBox::activated, this, &CVexaFileDlg::OnDriveChanged);
+    connect(m_speed, &QSlider::valueChanged, this, &CVexaFileDlg::OnSpeedChanged);
+    auto* showHidden = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_H), this);
+    connect(showHidden, &QShortcut::activated, this, [this] { ShowHiddenEntries(); });
+    SetFileListBusyHook(ShowListingBusy);
+}
+
+CVexaFileDlg::~CVexaFileDlg() {
+    if (m_dragging)
+        EndDrag();
+    m_observer.SetWnd(nullptr);
+    m_observer.SetSensor(nullptr);
+    m_localList.reset();
+    m_remoteList.reset();
+    m_sensor->DecRef();
+}
+
+void CVexaFileDlg::ConnectPane(int pane) {
+    CPXExplorerCtrl* view = View(pane);
+    view->SetMultiSelect(true);
+    view->EnableLabelEdit(true);
+    view->SetBeginLabelEditHandler([this, pane](int row) { return OnLabelEditBegin(pane, row); });
+    view->SetEndLabelEditHandler(
+        [this, pane](int, const std::optional<std::wstring>& text) { return OnLabelEditEnded(pane, text); });
+    connect(view, &CPXExplorerCtrl::itemStateChanged, this, [this, pane] { OnItemStateChanged(pane); });
+    connect(view, &CPXExplorerCtrl::itemClick, this, [this, pane] { UpdateButtons(pane, true); });
+    connect(view, &CPXExplorerCtrl::itemDoubleClick, this, [this, pane](int row) {
+        if (row < 0)
+            return;
+        UpdateButtons(pane, true);
+        OpenEntry(pane, row);
+    });
+    connect(view, &CPXExplorerCtrl::itemRightClick, this,
+            [this, pane](int row, const QPoint& globalPos) { OnRightClick(pane, row, globalPos); });
+    connect(view, &CPXExplorerCtrl::columnClicked, this,
+            [this, pane](int column) { SortPane(pane, column); });
+    connect(view, &CPXExplorerCtrl::beginDrag, this,
+            [this, pane](const QPoint& globalPos) { BeginDrag(pane, globalPos); });
+    connect(view, &CPXExplorerCtrl::dragDropped, this, &CVexaFileDlg::DropAt);
+}
+
+void CVexaFileDlg::DoDataExchange(CDataExchange& dx) {
+    CDialog_::DoDataExchange(dx);
+    DDX_Text(dx, IDC_FILEMGR_LOCAL_PATH, m_localFolderText);
+    DDX_Text(dx, IDC_FILEMGR_REMOTE_PATH, m_remoteFolderText);
+    DDX_Text(dx, IDC_FILEMGR_LOCAL_STATUS, m_localStatus);
+    DDX_Text(dx, IDC_FILEMGR_REMOTE_STATUS, m_remoteStatus);
+}
+
+bool CVexaFileDlg::OnInitDialog() {
+    CDialog_::OnInitDialog();
+    if (m_dialogFont) {
+        setFont(*m_dialogFont);
+        for (QWidget* child : findChildren<QWidget*>())
+            child->setFont(*m_dialogFont);
+    }
+
+    m_online = m_sensor->IsOnline();
+    m_remoteStartFolder = L"/";
+    m_host = m_sensor->GetSensorAddress().GetHostname();
+    if (!m_title.empty())
+        SetWindowText(m_title);
+
+    m_localList = std::make_unique<CVexaFileList>(nullptr, std::wstring(), false);
+    m_remoteList = std::make_unique<CVexaFileList>(
+        m_sensor, CVexaFileList::FolderArgument(m_host, m_remoteStartFolder), false);
+    if (m_host.empty()) {
+        // No instrument address: the pane stays empty, as for an instrument that is off line.
+        m_remoteList->SetValid(false);
+        m_online = false;
+    }
+
+    if (!ShowLocalFolder(m_localStartFolder)) {
+        EndDialog(IDCANCEL);
+        ShowMessage(PXFormat(LoadString(IDS_UNABLE_OPEN_LOCAL_FOLDER).c_str(), m_localStartFolder.c_str()));
+        return true;
+    }
+    if (m_online && !ShowRemoteFolder(m_remoteStartFolder)) {
+        EndDialog(IDCANCEL);
+        const std::wstring remote = MakeFilename(m_remoteStartFolder, L"", m_host);
+        ShowMessage(PXFormat(LoadString(IDS_UNABLE_OPEN_REMOTE_FOLDER).c_str(), remote.c_str()));
+        return true;
+    }
+    if (!m_online)
+        FillPane(kRemotePane);
+
+    for (int id : {IDC_FILEMGR_DELETE, IDC_FILEMGR_RENAME, IDC_FILEMGR_COPY_TO_REMOTE,
+                   IDC_FILEMGR_COPY_TO_LOCAL, IDC_FILEMGR_UNUSED})
+        EnableControl(id, false);
+
+    const bool backup = BackupAllowed();
+    EnableControl(IDC_FILEMGR_BACKUP, backup);
+    EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
+
+    const bool service = CSystemAccess::Accessible(0);
+    ShowControl(IDC_FILEMGR_REPLAY_SPEED_LABEL, service);
+    ShowControl(IDC_FILEMGR_REPLAY_SPEED, service);
+    EnableControl(IDC_FILEMGR_REPLAY_SPEED_LABEL, service);
+    EnableControl(IDC_FILEMGR_REPLAY_SPEED, service);
+    if (service) {
+        m_speed->setRange(kMinReplaySpeed, kMaxReplaySpeed);
+        m_speed->setValue(kDefaultReplaySpeed);
+        OnSpeedChanged();
+    }
+
+    const QIcon up = style()->standardIcon(QStyle::SP_FileDialogToParent, nullptr, this);
+    const QIcon newFolder = style()->standardIcon(QStyle::SP_FileDialogNewFolder, nullptr, this);
+    for (int id : {IDC_FILEMGR_LOCAL_UP, IDC_FILEMGR_REMOTE_UP})
+        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(id)))
+            button->SetIcon(up);
+    for (int id : {IDC_FILEMGR_LOCAL_NEW_FOLDER, IDC_FILEMGR_REMOTE_NEW_FOLDER})
+        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(id)))
+            button->SetIcon(newFolder);
+
+    m_observer.SetSensor(m_sensor);
+    m_observer.SetSensorMask(kSensorMask, 1);
+    m_observer.SetAllDeviceMasks(kDeviceMask, 1);
+    m_observer.SetWnd(this, CSensorNotifyEvent::kDefaultType);
+    return true;
+}
+
+void CVexaFileDlg::OnCommand(int id) {
+    switch (id) {
+    case IDC_FILEMGR_DELETE:
+        DeleteInPane(m_activePane);
+        break;
+    case IDC_FILEMGR_RENAME:
+        RenameInPane(m_activePane);
+        break;
+    case IDC_FILEMGR_COPY_TO_REMOTE:
+        CopyToRemote();
+        break;
+    case IDC_FILEMGR_COPY_TO_LOCAL:
+        CopyToLocal();
+        break;
+    case IDC_FILEMGR_REMOTE_UP:
+        UpOneFolder(kRemotePane);
+        break;
+    case IDC_FILEMGR_LOCAL_UP:
+        UpOneFolder(kLocalPane);
+        break;
+    case IDC_FILEMGR_LOCAL_NEW_FOLDER:
+        NewFolder(kLocalPane);
+        break;
+    case IDC_FILEMGR_REMOTE_NEW_FOLDER:
+        NewFolder(kRemotePane);
+        break;
+    case IDC_FILEMGR_BACKUP:
+        Backup(false);
+        break;
+    case IDC_FILEMGR_BACKUP_ALL:
+        Backup(true);
+        break;
+    default:
+        CDialog_::OnCommand(id);
+        break;
+    }
+}
+
+// ---- panes ----
+
+CPXExplorerCtrl* CVexaFileDlg::View(int pane) const {
+    return pane == kLocalPane ? m_localView : pane == kRemotePane ? m_remoteView : nullptr;
+}
+
+CVexaFileList* CVexaFileDlg::List(int pane) const {
+    return pane == kLocalPane ? m_localList.get() : pane == kRemotePane ? m_remoteList.get() : nullptr;
+}
+
+bool CVexaFileDlg::ShowLocalFolder(const std::wstring& path) {
+    return ShowPane(kLocalPane, path);
+}
+
+bool CVexaFileDlg::ShowRemoteFolder(const std::wstring& path) {
+    return ShowPane(kRemotePane, path);
+}
+
+bool CVexaFileDlg::ShowPane(int pane, const std::wstring& path) {
+    CVexaFileList* list = List(pane);
+    if (!list || path.empty())
+        return false;
+    const bool remote = pane == kRemotePane;
+    const std::wstring host = remote ? m_host : std::wstring();
+    const std::wstring folder = remote ? JoinInstrumentPath(path, L"") : GetFullPath(path);
+    const std::wstring previous = list->Folder();
+    const bool read = list->ReadFolder(CVexaFileList::FolderArgument(host, folder));
+    if (!read && !previous.empty() && previous != folder) {
+        // The pane keeps showing where the user was rather than an empty folder that cannot be read.
+        list->ReadFolder(CVexaFileList::FolderArgument(host, previous));
+    }
+    FillPane(pane);
+    return read;
+}
+
+void CVexaFileDlg::FillPane(int pane) {
+    CPXExplorerCtrl* view = View(pane);
+    CVexaFileList* list = List(pane);
+    if (!view || !list)
+        return;
+    view->DeleteAllItems();
+    for (int i = 0; i < list->Count(); ++i)
+        view->AddItem(*list->Entry(i), i);
+    view->SetSortIndicator(list->GetSortColumn(), list->IsDescending());
+
+    const bool local = pane == kLocalPane;
+    (local ? m_localFolderText : m_remoteFolderText) = list->Folder();
+    const FileInfo* first = list->Entry(0);
+    EnableControl(local ? IDC_FILEMGR_LOCAL_UP : IDC_FILEMGR_REMOTE_UP,
+                  first != nullptr && first->name == L"..");
+    (local ? m_localStatus : m_remoteStatus) =
+        PXFormat(LoadString(IDS_OBJECT_COUNT).c_str(), view->GetItemCount());
+    UpdateData(false);
+    if (local)
+        m_driveBox->SelectDrive(list->Folder());
+    // A refill drops the selection; the buttons must not go on acting on the rows that were there.
+    if (m_activePane == pane)
+        UpdateButtons(pane, true);
+}
+
+void CVexaFileDlg::RefreshPane(int pane) {
+    CVexaFileList* list = List(pane);
+    if (!list)
+        return;
+    if (pane == kRemotePane) {
+        // Listing again through ReadFolder asks the sensor first: an instrument that went off line
+        // shows an empty pane at once.
+        if (!list->Folder().empty())
+            list->ReadFolder(CVexaFileList::FolderArgument(m_host, list->Folder()));
+    } else {
+        list->Refresh();
+    }
+    FillPane(pane);
+}
+
+void CVexaFileDlg::RefreshLocalPane() {
+    RefreshPane(kLocalPane);
+}
+
+void CVexaFileDlg::RefreshRemotePane() {
+    RefreshPane(kRemotePane);
+}
+
+void CVexaFileDlg::UpOneFolder(int pane) {
+    CVexaFileList* list = List(pane);
+    if (!list || list->Folder().empty())
+        return;
+    const wchar_t separator = pane == kRemotePane ? L'/' : kNativeSeparator;
+    ShowPane(pane, JoinPath(list->Folder(), L"..", separator));
+}
+
+void CVexaFileDlg::SortPane(int pane, int column) {
+    CVexaFileList* list = List(pane);
+    if (!list)
+        return;
+    if (column == list->GetSortColumn()) {
+        list->SetDescending(!list->IsDescending());
+    } else {
+        list->SetSortColumn(column);
+        list->SetDescending(false);
+    }
+    list->Sort();
+    FillPane(pane);
+}
+
+const FileInfo* CVexaFileDlg::EntryAtRow(int pane, int row) const {
+    const CPXExplorerCtrl* view = View(pane);
+    const CVexaFileList* list = List(pane);
+    if (!view || !list || row < 0 || row >= view->GetItemCount())
+        return nullptr;
+    return list->Entry(static_cast<int>(view->GetItemData(row)));
+}
+
+std::vector<FileInfo> CVexaFileDlg::SelectedEntries(int pane) const {
+    std::vector<FileInfo> entries;
+    const CPXExplorerCtrl* view = View(pane);
+    if (!view)
+        return entries;
+    for (int row : view->GetSelectedIndexes()) {
+        const FileInfo* entry = EntryAtRow(pane, row);
+        if (entry && entry->name != L".." && entry->name != L".")
+            entries.push_back(*entry);
+    }
+    return entries;
+}
+
+// ---- buttons ----
+
+void CVexaFileDlg::EnableCommand(int id, bool on) {
+    if (id == IDC_FILEMGR_RENAME || id == IDC_FILEMGR_DELETE)
+        on = on && CSystemAccess::Accessible(1);
+    EnableControl(id, on);
+}
+
+bool CVexaFileDlg::MayCopyDataFiles() const {
+    return CSystemAccess::Accessible(0);
+}
+
+std::wstring CVexaFileDlg::ActiveProcess() const {
+    std::wstring process = m_sensor->GetActiveProcess();
+    if (process.empty() && m_online)
+        process = VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess();
+    return process;
+}
+
+bool CVexaFileDlg::BackupAllowed() const {
+    return ActiveProcess().empty() && CSystemAccess::Accessible(1);
+}
+
+void CVexaFileDlg::UpdateBackupButtons(int pane) {
+    if (pane != kRemotePane)
+        return;
+    EnableControl(IDC_FILEMGR_BACKUP, BackupAllowed() && !SelectedEntries(kRemotePane).empty());
+}
+
+void CVexaFileDlg::UpdateButtons(int pane, bool now) {
+    if (pane != kLocalPane && pane != kRemotePane)
+        return;
+    if (!now) {
+        OnItemStateChanged(pane);
+        return;
+    }
+    m_activePane = pane;
+    const std::vector<FileInfo> selection = SelectedEntries(pane);
+    const bool any = !selection.empty();
+    EnableCommand(IDC_FILEMGR_DELETE, any);
+    EnableCommand(IDC_FILEMGR_RENAME, any);
+
+    bool copy = any && m_online;
+    if (pane == kLocalPane && !MayCopyDataFiles()) {
+        for (const FileInfo& entry : selection)
+            if (IsWorkstationDataFileName(entry.name))
+                copy = false;
+    }
+    EnableControl(IDC_FILEMGR_COPY_TO_REMOTE, pane == kLocalPane && copy);
+    EnableControl(IDC_FILEMGR_COPY_TO_LOCAL, pane == kRemotePane && copy);
+    UpdateBackupButtons(pane);
+
+    std::wstring description;
+    if (selection.size() == 1 && !IsFolderEntry(selection.front()))
+        description = VexaBuildFileDescription(selection.front().name, selection.front().GetTime());
+    SetDlgItemText(IDC_FILEMGR_DESCRIPTION, description);
+}
+
+void CVexaFileDlg::OnItemStateChanged(int pane) {
+    (pane == kLocalPane ? m_localChanged : m_remoteChanged) = true;
+    // Each change starts the timer again: a burst of changes ends in one update.
+    if (m_buttonTimer != 0)
+        killTimer(m_buttonTimer);
+    m_buttonTimer = startTimer(kButtonUpdateDelayMs);
+}
+
+void CVexaFileDlg::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == m_dragTimer && m_dragTimer != 0) {
+        MoveDragImage();
+        return;
+    }
+    if (event->timerId() == m_buttonTimer && m_buttonTimer != 0) {
+        killTimer(m_buttonTimer);
+        m_buttonTimer = 0;
+        if (m_localChanged) {
+            m_localChanged = false;
+            ++m_deferredUpdates;
+            UpdateButtons(kLocalPane, true);
+        }
+        if (m_remoteChanged) {
+            m_remoteChanged = false;
+            ++m_deferredUpdates;
+            UpdateButtons(kRemotePane, true);
+        }
+        return;
+    }
+    CDialog_::timerEvent(event);
+}
+
+// ---- drive box, speed, keyboard ----
+
+void CVexaFileDlg::OnDriveChanged() {
+    const std::wstring drive = m_driveBox->GetCurDrive();
+    if (!drive.empty())
+        ShowLocalFolder(drive);
+}
+
+void CVexaFileDlg::OnSpeedChanged() {
+    if (m_speedLabel)
+        m_speedLabel->setText(
+            QString::fromStdWString(PXFormat(LoadString(IDS_REPLAY_SPEED).c_str(), m_speed->value())));
+}
+
+bool CVexaFileDlg::ShowHiddenEntries() {
+    if (!CSystemAccess::Accessible(0) || !m_remoteList)
+        return false;
+    // Only ever switched on, for the rest of the dialog's life.
+    m_remoteList->SetShowHidden(true);
+    RefreshRemotePane();
+    return true;
+}
+
+// ---- context menu ----
+
+std::unique_ptr<QMenu> CVexaFileDlg::BuildContextMenu(int pane, int row) {
+    std::unique_ptr<QMenu> menu = LoadFileManagerMenu(this);
+    const bool changes = CSystemAccess::Accessible(1);
+    for (QAction* action : menu->actions()) {
+        const int command = action->data().toInt();
+        if (command == ID_FILEMGR_RENAME || command == ID_FILEMGR_DELETE)
+            action->setEnabled(changes);
+    }
+    const FileInfo* entry = EntryAtRow(pane, row);
+    if (pane == kRemotePane && CSystemAccess::Accessible(0) && entry && !IsFolderEntry(*entry)) {
+        if (IsVexaTextOrConfigFile(entry->name))
+            menu->addAction(QString::fromStdWString(LoadString(IDS_MENU_TEXT_EDITOR)))
+                ->setData(ID_FILEMGR_TEXT_EDITOR);
+        else if (IsVexaReplayFile(entry->name))
+            menu->addAction(QString::fromStdWString(LoadString(IDS_MENU_REPLAY)))->setData(ID_FILEMGR_REPLAY);
+    }
+    return menu;
+}
+
+void CVexaFileDlg::OnRightClick(int pane, int row, const QPoint& globalPos) {
+    if (row < 0)
+        return;
+    std::unique_ptr<QMenu> menu = BuildContextMenu(pane, row);
+    QAction* chosen = menu->exec(globalPos);
+    if (chosen)
+        RunMenuCommand(pane, row, chosen->data().toInt());
+}
+
+void CVexaFileDlg::RunMenuCommand(int pane, int row, int command) {
+    switch (command) {
+    case ID_FILEMGR_OPEN:
+        UpdateButtons(pane, true);
+        OpenEntry(pane, row);
+        break;
+    case ID_FILEMGR_RENAME:
+        RenameInPane(pane);
+        break;
+    case ID_FILEMGR_DELETE:
+        DeleteInPane(pane);
+        break;
+    case ID_FILEMGR_TEXT_EDITOR:
+        if (pane == kRemotePane)
+            EditTextFile(row);
+        break;
+    case ID_FILEMGR_REPLAY:
+        if (pane == kRemotePane)
+            StartReplay(row);
+        break;
+    default:
+        break;
+    }
+}
+
+// ---- drag and drop between the panes ----
+
+void CVexaFileDlg::BeginDrag(int pane, const QPoint& globalPos) {
+    if (m_dragging)
+        EndDrag();
+    const QPixmap image = View(pane)->CreateDragImageEx();
+    if (image.isNull())
+        return;
+    auto* label = new QLabel(this, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    label->setAttribute(Qt::WA_DeleteOnClose);
+    label->setPixmap(image);
+    label->setWindowOpacity(0.7);
+    label->resize(image.deviceIndependentSize().toSize());
+    label->move(globalPos + QPoint(kDragImageOffset, kDragImageOffset));
+    label->show();
+    m_dragImage = label;
+    m_dragging = true;
+    m_dragPane = pane;
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+    m_dragTimer = startTimer(kDragTimerMs);
+}
+
+void CVexaFileDlg::MoveDragImage() {
+    const QPoint cursor = QCursor::pos();
+    if (m_dragImage)
+        m_dragImage->move(cursor + QPoint(kDragImageOffset, kDragImageOffset));
+    auto over = [&cursor](const QWidget* view) {
+        return QRect(view->mapToGlobal(QPoint(0, 0)), view->size()).contains(cursor);
+    };
+    QApplication::changeOverrideCursor(over(m_localView) || over(m_remoteView) ? Qt::ArrowCursor
+                                                                               : Qt::ForbiddenCursor);
+}
+
+void CVexaFileDlg::EndDrag() {
+    if (m_dragTimer != 0) {
+        killTimer(m_dragTimer);
+        m_dragTimer = 0;
+    }
+    if (m_dragImage)
+        m_dragImage->close();
+    m_dragImage = nullptr;
+    if (m_dragging)
+        QApplication::restoreOverrideCursor();
+    m_dragging = false;
+}
+
+void CVexaFileDlg::DropAt(const QPoint& globalPos) {
+    if (!m_dragging)
+        return;
+    EndDrag();
+    const int from = m_dragPane;
+    m_dragPane = kNoPane;
+    auto inside = [&globalPos](const QWidget* view) {
+        return QRect(view->mapToGlobal(QPoint(0, 0)), view->size()).contains(globalPos);
+    };
+    if (from == kLocalPane && inside(m_remoteView))
+        CopyToRemote();
+    else if (from == kRemotePane && inside(m_localView))
+        CopyToLocal();
+}
+
+// ---- sensor notifications ----
+
+void CVexaFileDlg::customEvent(QEvent* event) {
+    if (event->type() == static_cast<QEvent::Type>(CSensorNotifyEvent::kDefaultType)) {
+        const ISensorEvent& notification = static_cast<CSensorNotifyEvent*>(event)->SensorEvent();
+        OnSensorNotification(notification.code, notification.text);
+        return;
+    }
+    CDialog_::customEvent(event);
+}
+
+void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text) {
+    (void)text; // the backup's archive name: saving it belongs to the backup, not yet in this build
+    if (code < 1 || !m_remoteList || !m_localList)
+        return;
+    if (code == kSensorEventOffline || code == kSensorEventOnline) {
+        m_online = m_sensor->GetSensorState() == kSensorOnline;
+        m_host = m_sensor->GetSensorAddress().GetHostname();
+        m_remoteList->SetValid(!m_host.empty());
+        if (m_host.empty())
+            m_online = false;
+    }
+    // Both panes show what is there now, the instrument first.
+    const std::wstring remoteFolder =
+        m_remoteList->Folder().empty() ? m_remoteStartFolder : m_remoteList->Folder();
+    if (!m_host.empty())
+        m_remoteList->ReadFolder(CVexaFileList::FolderArgument(m_host, remoteFolder));
+    FillPane(kRemotePane);
+    RefreshLocalPane();
+}

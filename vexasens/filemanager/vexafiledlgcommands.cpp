@@ -1,0 +1,253 @@
+// The Manage Files dialog's commands: copy between the sides, delete, rename (by button, menu and in
+// place), new folder, open, the text editor, replay and backup.
+//
+// A back-end call that fails inside Delete, Rename, New folder or Copy is not reported on its own: the
+// pane is read again and shows what is really there.
+#include "vexafiledlg.h"
+
+#include "copyjob.h"
+#include "edittextdialog.h"
+#include "explorerctrl.h"
+#include "filecopydlg.h"
+#include "fileinfo.h"
+#include "mkdirdlg.h"
+#include "overwritedlg.h"
+#include "paths.h"
+#include "prompt.h"
+#include "pxformat.h"
+#include "remotename.h"
+#include "renamedlg.h"
+#include "resource.h"
+#include "sensorobject.h"
+#include "systemaccess.h"
+#include "vexadevice.h"
+#include "vexafilekinds.h"
+#include "vexafilelist.h"
+#include "vexatextfile.h"
+#include "winsockerror.h"
+
+#include <QMetaObject>
+#include <QSlider>
+
+namespace {
+
+OverwriteAnswer ToOverwriteAnswer(int answer) {
+    switch (answer) {
+    case COverwriteDlg::kYes:
+        return OverwriteAnswer::kYes;
+    case COverwriteDlg::kYesToAll:
+        return OverwriteAnswer::kYesToAll;
+    case COverwriteDlg::kNoToAll:
+        return OverwriteAnswer::kNoToAll;
+    case COverwriteDlg::kCancel:
+        return OverwriteAnswer::kCancel;
+    default:
+        return OverwriteAnswer::kNo;
+    }
+}
+
+} // namespace
+
+// ---- copy ----
+
+void CVexaFileDlg::CopyToRemote() {
+    Copy(kLocalPane);
+}
+
+void CVexaFileDlg::CopyToLocal() {
+    Copy(kRemotePane);
+}
+
+void CVexaFileDlg::Copy(int fromPane) {
+    const int toPane = fromPane == kLocalPane ? kRemotePane : kLocalPane;
+    CVexaFileList* source = List(fromPane);
+    CVexaFileList* destination = List(toPane);
+    if (!source || !destination || !m_online)
+        return;
+    const std::vector<FileInfo> selection = SelectedEntries(fromPane);
+    if (selection.empty())
+        return;
+    const bool mayCopyDataFiles = MayCopyDataFiles();
+    if (fromPane == kLocalPane && !mayCopyDataFiles) {
+        // The same rule that disables Copy -->, for a drop on the instrument pane.
+        for (const FileInfo& entry : selection)
+            if (IsWorkstationDataFileName(entry.name))
+                return;
+    }
+
+    CopyJob job(*source, *destination);
+    const OverwriteQuestion ask = [this](const std::wstring& name, const std::wstring& target) {
+        const std::wstring description = FormatString(IDS_OVERWRITE_TARGET, target.c_str());
+        return ToOverwriteAnswer(COverwriteDlg::PromptUser(name, description, this));
+    };
+    if (job.Build(selection, mayCopyDataFiles, ask) != CopyJob::BuildResult::kReady)
+        return; // nothing to copy, or cancelled before anything was written
+
+    CFileCopyDlg progress(this);
+    progress.Run([&job](ICopyProgress& state) {
+        state.SetTotal(job.TotalBytes(), job.FileCount());
+        job.Run(&state);
+        return 1;
+    });
+    RefreshPane(toPane);
+}
+
+// ---- delete ----
+
+void CVexaFileDlg::DeleteInPane(int pane) {
+    CVexaFileList* list = List(pane);
+    if (!list || !CSystemAccess::Accessible(1))
+        return;
+    std::vector<std::wstring> folders, files;
+    for (const FileInfo& entry : SelectedEntries(pane))
+        (IsFolderEntry(entry) ? folders : files).push_back(entry.name);
+    if (folders.empty() && files.empty())
+        return;
+
+    const bool onInstrument = pane == kRemotePane;
+    const std::wstring caption = windowTitle().toStdWString();
+    if (!folders.empty() && AskYesNo(BuildDeleteQuestion(true, folders, onInstrument), caption) == IDYES) {
+        for (auto name = folders.rbegin(); name != folders.rend(); ++name)
+            list->RemoveFolder(*name, true);
+    }
+    if (!files.empty() && AskYesNo(BuildDeleteQuestion(false, files, onInstrument), caption) == IDYES) {
+        for (const std::wstring& name : files)
+            list->DeleteFile(name);
+    }
+    RefreshPane(pane);
+}
+
+// ---- rename ----
+
+bool CVexaFileDlg::RenameEntry(int pane, const std::wstring& oldName, const std::wstring& newName) {
+    CVexaFileList* list = List(pane);
+    if (!list || newName.empty() || newName == oldName)
+        return false;
+    QString reason;
+    if (!CMkdirDlg::IsValidFolderName(newName, &reason)) {
+        ShowMessage(FormatString(IDS_INVALID_NAME, newName.c_str(), reason.toStdWString().c_str()));
+        return false;
+    }
+    list->Rename(oldName, newName);
+    return true;
+}
+
+void CVexaFileDlg::RenameInPane(int pane) {
+    if (!List(pane) || !CSystemAccess::Accessible(1))
+        return;
+    const std::vector<FileInfo> selection = SelectedEntries(pane);
+    if (selection.empty())
+        return;
+    CRenameDlg dialog(this);
+    dialog.SetOldName(selection.front().name);
+    if (dialog.DoModal() != IDOK)
+        return;
+    if (RenameEntry(pane, selection.front().name, dialog.GetNewName()))
+        RefreshPane(pane);
+}
+
+bool CVexaFileDlg::OnLabelEditBegin(int pane, int row) {
+    const FileInfo* entry = EntryAtRow(pane, row);
+    if (!entry || entry->name == L".." || !CSystemAccess::Accessible(1))
+        return false;
+    if (pane == kRemotePane && !m_online)
+        return false;
+    m_labelOldName = entry->name;
+    return true;
+}
+
+bool CVexaFileDlg::OnLabelEditEnded(int pane, const std::optional<std::wstring>& text) {
+    const std::wstring oldName = std::move(m_labelOldName);
+    m_labelOldName.clear();
+    // Escape ends the edit without a text: nothing changes.
+    if (!text || oldName.empty())
+        return false;
+    if (RenameEntry(pane, oldName, *text)) {
+        // The row keeps its old text; the refill, once the editor has closed, shows the truth.
+        QMetaObject::invokeMethod(
+            this, [this, pane] { RefreshPane(pane); }, Qt::QueuedConnection);
+    }
+    return false;
+}
+
+// ---- new folder, open ----
+
+void CVexaFileDlg::NewFolder(int pane) {
+    CVexaFileList* list = List(pane);
+    if (!list || (pane == kRemotePane && !m_online))
+        return;
+    CMkdirDlg dialog(this);
+    if (dialog.DoModal() != IDOK || dialog.GetName().empty())
+        return;
+    list->MakeFolder(dialog.GetName());
+    RefreshPane(pane);
+}
+
+std::wstring CVexaFileDlg::SelectedFileName(int pane, const FileInfo& entry) const {
+    const CVexaFileList* list = List(pane);
+    if (pane == kRemotePane)
+        return MakeFilename(list->Folder(), entry.name, list->Host());
+    return JoinPath(list->Folder(), entry.name, kNativeSeparator);
+}
+
+void CVexaFileDlg::OpenEntry(int pane, int row) {
+    const FileInfo* entry = EntryAtRow(pane, row);
+    if (!entry)
+        return;
+    if (IsFolderEntry(*entry)) {
+        const wchar_t separator = pane == kRemotePane ? L'/' : kNativeSeparator;
+        const std::wstring folder = List(pane)->Folder();
+        ShowPane(pane, JoinPath(folder, entry->name, separator));
+        return;
+    }
+    m_selectedFile = SelectedFileName(pane, *entry);
+    EndDialog(IDOK);
+}
+
+// ---- text editor, replay, backup ----
+
+void CVexaFileDlg::EditTextFile(int row) {
+    const FileInfo* found = EntryAtRow(kRemotePane, row);
+    if (!found || IsFolderEntry(*found) || !IsVexaTextOrConfigFile(found->name) ||
+        !CSystemAccess::Accessible(0))
+        return;
+    const FileInfo entry = *found;
+    const std::wstring fullName = m_remoteList->FullName(entry);
+
+    std::wstring text;
+    int error = 0;
+    if (!ReadTextForEditing(fullName, &text, &error)) {
+        ShowMessage(FormatString(IDS_TEXT_FILE_READ_FAILED, fullName.c_str(), DescribeError(error).c_str()));
+        return;
+    }
+    CEditTextDialog editor(this);
+    editor.SetText(text);
+    if (editor.DoModal() != IDOK || !editor.IsModified())
+        return;
+    if (AskYesNo(LoadString(IDS_OVERWRITE_EDITED_FILE) + fullName, windowTitle().toStdWString()) != IDYES)
+        return;
+    if (!WriteEditedText(fullName, editor.GetText(), &error))
+        ShowMessage(FormatString(IDS_TEXT_FILE_WRITE_FAILED, fullName.c_str(), DescribeError(error).c_str()));
+    RefreshRemotePane();
+}
+
+void CVexaFileDlg::StartReplay(int row) {
+    const FileInfo* entry = EntryAtRow(kRemotePane, row);
+    if (!entry || IsFolderEntry(*entry) || !IsVexaReplayFile(entry->name) || !CSystemAccess::Accessible(0))
+        return;
+    const int speed = m_speed ? m_speed->value() : kDefaultReplaySpeed;
+    const std::wstring path = MakeFilename(m_remoteList->Folder(), entry->name, L"");
+    const std::wstring command = BuildReplayCommand(path, speed);
+    EndDialog(IDCANCEL);
+
+    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    if (!device.runMethod(command))
+        Prompt().Message(
+            FormatString(IDS_REPLAY_FAILED, path.c_str(), DescribeError(device.getLastError()).c_str()),
+            windowTitle().toStdWString(), PromptIcon::Error, parentWidget());
+}
+
+void CVexaFileDlg::Backup(bool all) {
+    (void)all;
+    ShowMessage(LoadString(IDS_BACKUP_NOT_AVAILABLE), LoadString(IDS_BACKUP_TITLE));
+}
