@@ -439,6 +439,8 @@ void CVexaFileDlg::timerEvent(QTimerEvent* event) {
         return;
     }
     if (event->timerId() == m_buttonTimer && m_buttonTimer != 0) {
+        if (m_copying)
+            return; // fires again once the copy has ended
         killTimer(m_buttonTimer);
         m_buttonTimer = 0;
         if (m_localChanged) {
@@ -608,9 +610,13 @@ void CVexaFileDlg::customEvent(QEvent* event) {
 }
 
 void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text) {
-    (void)text; // the backup's archive name: saving it belongs to the backup, not yet in this build
     if (code < 1 || !m_remoteList || !m_localList)
         return;
+    if (m_copying) {
+        m_heldNotifications.emplace_back(code, text);
+        return;
+    }
+    // A backup's text names the finished archive; fetching it belongs to the backup, not in this build.
     if (code == kSensorEventOffline || code == kSensorEventOnline) {
         m_online = m_sensor->GetSensorState() == kSensorOnline;
         m_host = m_sensor->GetSensorAddress().GetHostname();

@@ -165,6 +165,10 @@ private:
     int m_dragTimer = 0;
     int m_buttonTimer = 0;
     int m_deferredUpdates = 0;
+    // While a copy worker runs, it owns the destination list and the link's transfer: notifications
+    // wait until it has ended.
+    bool m_copying = false;
+    std::vector<std::pair<uint32_t, std::wstring>> m_heldNotifications;
 
     CPXExplorerCtrl* m_localView = nullptr;
     CPXExplorerCtrl* m_remoteView = nullptr;

@@ -29,6 +29,8 @@
 #include <QMetaObject>
 #include <QSlider>
 
+#include <utility>
+
 namespace {
 
 OverwriteAnswer ToOverwriteAnswer(int answer) {
@@ -84,12 +86,18 @@ void CVexaFileDlg::Copy(int fromPane) {
         return; // nothing to copy, or cancelled before anything was written
 
     CFileCopyDlg progress(this);
+    m_copying = true;
     progress.Run([&job](ICopyProgress& state) {
         state.SetTotal(job.TotalBytes(), job.FileCount());
         job.Run(&state);
         return 1;
     });
+    m_copying = false;
     RefreshPane(toPane);
+    // What the instrument said meanwhile (it may have gone off line) is handled now, in order.
+    const auto held = std::exchange(m_heldNotifications, {});
+    for (const auto& [code, text] : held)
+        OnSensorNotification(code, text);
 }
 
 // ---- delete ----

@@ -299,6 +299,22 @@ TEST_F(FileManagerTest, CancelMidwayToTheInstrumentKeepsTheOldFile) {
     EXPECT_EQ(RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"___temp@@hosts"), -1);
 }
 
+// The instrument drops the link in the middle of the file: the copy stops, the progress window closes
+// and nothing half-copied is left on the PC.
+TEST_F(FileManagerTest, InstrumentDroppingDuringACopyEndsItCleanly) {
+    m_temp.createFile("instrument/big.log", std::string(600 * 1024, 'n'));
+    StartInstrument({"--no-compress", "--fault", "drop-after-frames=6"});
+    CVexaFileDlg& dialog = OpenDialog();
+    ASSERT_NE(RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"big.log"), -1);
+    Select(dialog.View(CVexaFileDlg::kRemotePane), {L"big.log"});
+    dialog.CopyToLocal();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_FALSE(FileExists(PcPath("big.log")));
+    EXPECT_FALSE(FileExists(PcPath("___temp@@big.log")));
+    EXPECT_EQ(RowOf(dialog.View(CVexaFileDlg::kLocalPane), L"big.log"), -1);
+    EXPECT_EQ(RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"big.log"), -1);
+}
+
 TEST_F(FileManagerTest, SensorManageFilesOpensTheDialog) {
     StartInstrument();
     CVexaDialogLauncher launcher;

@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QTest>
 
+#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -271,4 +272,22 @@ TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
     ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
     EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
     EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");
+}
+
+// Not a check: with VEXA_SCREENSHOT set, saves the dialog over the demo tree as a picture for people.
+TEST_F(FileManagerTest, Screenshot) {
+    const char* target = std::getenv("VEXA_SCREENSHOT");
+    if (!target || !*target)
+        GTEST_SKIP() << "VEXA_SCREENSHOT names no file";
+    m_temp.createFile("pc/Reports/summary.csv", "a,b\n");
+    m_temp.createFile("pc/notes.txt", "notes");
+    m_temp.createFile("pc/run1.vxs", std::string(1248, 'v'));
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    ASSERT_TRUE(dialog.ShowRemoteFolder(L"/Data"));
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    Select(instrument, {L"run1.vxs"});
+    dialog.UpdateButtons(CVexaFileDlg::kRemotePane, true);
+    QTest::qWait(300);
+    ASSERT_TRUE(dialog.grab().save(QString::fromLocal8Bit(target)));
 }
