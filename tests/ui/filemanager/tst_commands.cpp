@@ -211,6 +211,19 @@ TEST_F(FileManagerTest, RenameNewFolderAndInPlaceEscape) {
     EXPECT_FALSE(pc->IsEditingLabel());
     EXPECT_TRUE(FileExists(PcPath("after.txt")));
     EXPECT_FALSE(FileExists(PcPath("escaped.txt")));
+
+    // In place with Enter: renamed, and the pane shows it once the editor has closed.
+    ASSERT_TRUE(pc->EditLabel(RowOf(pc, L"after.txt")));
+    editor = nullptr; // the first editor may still wait for its deletion
+    for (QLineEdit* open : pc->findChildren<QLineEdit*>())
+        if (open->isVisible())
+            editor = open;
+    ASSERT_NE(editor, nullptr);
+    editor->setText(QStringLiteral("in place.txt"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_TRUE(WaitFor([&] { return RowOf(pc, L"in place.txt") != -1; }));
+    EXPECT_TRUE(FileExists(PcPath("in place.txt")));
+    EXPECT_EQ(RowOf(pc, L"after.txt"), -1);
 }
 
 TEST_F(FileManagerTest, OpeningAFileEndsWithItsFullName) {
