@@ -70,8 +70,10 @@ bool FileService::CompressIfSmaller(std::vector<std::uint8_t>& payload) {
         return false;
     uLongf packedSize = compressBound(static_cast<uLong>(payload.size()));
     std::vector<std::uint8_t> packed(packedSize);
-    if (compress2(packed.data(), &packedSize, payload.data(), static_cast<uLong>(payload.size()),
-                  Z_DEFAULT_COMPRESSION) != Z_OK ||
+    // The fastest level: an instrument compresses while it streams, and a frame of incompressible data
+    // must not cost more time than sending it plain.
+    if (compress2(packed.data(), &packedSize, payload.data(), static_cast<uLong>(payload.size()), Z_BEST_SPEED) !=
+            Z_OK ||
         packedSize >= payload.size())
         return false;
     packed.resize(packedSize);
