@@ -68,6 +68,17 @@ FileService::FileService(const PathConfinement& paths, bool compress)
 bool FileService::CompressIfSmaller(std::vector<std::uint8_t>& payload) {
     if (payload.empty())
         return false;
+    // A sample of the frame tells incompressible data (packed runs, random bytes) cheaply, so such
+    // files stream at link speed instead of paying for a compression that gains nothing.
+    constexpr std::size_t kSample = 4096;
+    if (payload.size() > 2 * kSample) {
+        uLongf sampleSize = compressBound(static_cast<uLong>(kSample));
+        std::vector<std::uint8_t> sample(sampleSize);
+        if (compress2(sample.data(), &sampleSize, payload.data(), static_cast<uLong>(kSample), Z_BEST_SPEED) !=
+                Z_OK ||
+            sampleSize >= kSample * 95 / 100)
+            return false;
+    }
     uLongf packedSize = compressBound(static_cast<uLong>(payload.size()));
     std::vector<std::uint8_t> packed(packedSize);
     // The fastest level: an instrument compresses while it streams, and a frame of incompressible data
