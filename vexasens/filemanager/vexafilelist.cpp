@@ -289,6 +289,7 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         return false;
     };
     std::vector<char> block(kCopyBlockSize);
+    int64_t copied = 0;
     for (;;) {
         const int got = in.Read(block.data(), kCopyBlockSize);
         if (got < 0)
@@ -297,13 +298,25 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
             break;
         if (out.Write(block.data(), got) != got)
             return abandon(sideError(out, *this), out.GetErrorText());
+        copied += got;
         if (progress) {
             progress->AddBytes(got);
             if (progress->IsCancelled())
                 return abandon(ECANCELED, L"cancelled");
         }
     }
-    out.Close();
+    // A remote source that ended early is no copy: a link that dropped (an instrument file whose request
+    // never left reads as empty) or fewer bytes than the instrument announced at the open must not
+    // replace the old file. Lengths are 32-bit on the wire, so only the low part is compared.
+    const std::wstring_view transport = in.TransportName();
+    const bool linkLost = transport == L"link" && source.Sensor() && !source.Sensor()->IsLinkOpen();
+    const int announced = transport == L"local" ? -1 : in.GetLength();
+    if (linkLost || (announced >= 0 && uint32_t(copied) != uint32_t(announced))) {
+        const int error = linkLost ? sideError(in, source) : int(EIO);
+        return abandon(error, linkLost ? std::wstring() : L"the source ended before its announced length");
+    }
+    if (!out.Close())
+        return abandon(sideError(out, *this), out.GetErrorText());
     in.Close();
 
     // The old file goes only now that the new one is complete.
