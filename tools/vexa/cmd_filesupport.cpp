@@ -2,7 +2,6 @@
 
 #include "ftperror.h"
 #include "ftpsession.h"
-#include "netfileimpl.h"
 #include "paths.h"
 #include "pumpwait.h"
 #include "remotename.h"
@@ -120,18 +119,13 @@ int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo&
             break;
         }
     }
-    // Over FTP only the server's confirmation of the whole file counts.
-    bool complete = error == 0;
-    if (auto* ftp = dynamic_cast<NETFileImpl*>(out.Impl())) {
-        if (!ftp->Close() && error == 0) {
-            complete = false;
-            error = ftp->GetError() ? ftp->GetError() : kErrBadFile;
-            text = ftp->GetErrorText();
-        }
+    // Over FTP only the server's confirmation of the whole file counts: Close says whether it came.
+    if (!out.Close() && error == 0) {
+        error = out.GetError() ? out.GetError() : kErrBadFile;
+        text = out.GetErrorText();
     }
-    out.Close();
     in.Close();
-    if (!complete) {
+    if (error != 0) {
         FtpDelete(host, folder, temporary, nullptr, nullptr);
         PrintFileError(ctx, verb + " " + source.text, error, text);
         return ExitCodeFor(error);
