@@ -20,4 +20,6 @@ private:
 };
 
 std::string ReadWholeFile(const std::string& path);
+// `size` pseudo-random bytes, the same for the same seed: content that does not compress.
+std::string RandomBytes(size_t size, unsigned seed);
 bool FileExists(const std::string& path);

@@ -211,10 +211,3 @@ TEST_F(CliFiles, ExitCodesForUsageAndUnreachableInstruments) {
             << c.args[0] << " " << (c.args.size() > 1 ? c.args[1] : "") << ": " << r.err;
     }
 }
-
-TEST_F(CliFiles, NextNameScansTheInstrument) {
-    m_root.createFile("Data/Run041.vxs", "x");
-    ProcessResult r = RunVexa({"next-name", "--root", m_pc.path(), m_sim->address(), "4", "Run", "vxs", "3"});
-    ASSERT_EQ(r.exitCode, 0) << r.err;
-    EXPECT_EQ(r.out, "Run042.vxs\n");
-}

@@ -14,14 +14,6 @@ VexaFileInfoImplFactory g_fileInfoFactory;
 
 } // namespace
 
-std::string RandomBytes(size_t size, unsigned seed) {
-    std::mt19937 random(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes)
-        c = char(random() & 0xFF);
-    return bytes;
-}
-
 std::string CompressibleBytes(size_t size) {
     std::string text;
     for (int line = 0; text.size() < size; ++line)

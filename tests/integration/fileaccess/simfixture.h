@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-std::string RandomBytes(size_t size, unsigned seed);
 std::string CompressibleBytes(size_t size);
 // Names under `folder` (recursively) that start with the copy's temporary prefix or the simulator's
 // upload prefix.

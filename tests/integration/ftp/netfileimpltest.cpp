@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <random>
 
 namespace {
 
@@ -21,14 +20,6 @@ using Clock = std::chrono::steady_clock;
 
 // libcurl hands over at most this much at once; the buffer may exceed its size by one such chunk.
 constexpr std::size_t kCurlChunk = 16 * 1024;
-
-std::string RandomBytes(std::size_t size, unsigned seed) {
-    std::mt19937 random(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes)
-        c = static_cast<char>(random() & 0xFF);
-    return bytes;
-}
 
 // Text lines with LF endings only, as the instrument's text files are.
 std::string TextLines(std::size_t size) {

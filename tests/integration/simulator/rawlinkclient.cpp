@@ -8,25 +8,6 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-void AppendLe16(Bytes& out, std::uint16_t value) {
-    out.push_back(static_cast<std::uint8_t>(value & 0xFF));
-    out.push_back(static_cast<std::uint8_t>(value >> 8));
-}
-
-void AppendLe32(Bytes& out, std::uint32_t value) {
-    out.push_back(static_cast<std::uint8_t>(value & 0xFF));
-    out.push_back(static_cast<std::uint8_t>((value >> 8) & 0xFF));
-    out.push_back(static_cast<std::uint8_t>((value >> 16) & 0xFF));
-    out.push_back(static_cast<std::uint8_t>(value >> 24));
-}
-
-std::uint32_t ReadLe32(const Bytes& bytes, std::size_t offset) {
-    return static_cast<std::uint32_t>(bytes.at(offset)) |
-           static_cast<std::uint32_t>(bytes.at(offset + 1)) << 8 |
-           static_cast<std::uint32_t>(bytes.at(offset + 2)) << 16 |
-           static_cast<std::uint32_t>(bytes.at(offset + 3)) << 24;
-}
-
 std::string ReceivedFrame::message() const {
     return payload.size() > 4 ? std::string(payload.begin() + 4, payload.end()) : std::string();
 }
@@ -71,40 +52,12 @@ bool RawLinkClient::SendHello() {
 
 bool RawLinkClient::SendRequest(std::uint32_t id, std::uint32_t command, const std::string& first,
                                 const std::string& second, std::uint16_t flags, std::uint32_t extra) {
-    Bytes frame;
-    AppendLe32(frame, 0x0A0B0C0D);
-    AppendLe16(frame, 8);
-    AppendLe16(frame, flags);
-    AppendLe32(frame, 1);
-    AppendLe32(frame, 2052);
-    AppendLe32(frame, id);
-    AppendLe16(frame, 0);
-    AppendLe16(frame, 0);
-    AppendLe32(frame, 0);
-    AppendLe32(frame, extra);
-    AppendLe32(frame, command);
-    for (const std::string* argument : {&first, &second}) {
-        std::string field = argument->empty() && argument == &second ? "" : "\"" + *argument + "\"";
-        field.resize(1024, '\0');
-        frame.insert(frame.end(), field.begin(), field.end());
-    }
-    return SendRaw(frame);
+    return SendRaw(ExpectedRequest(command, flags, id, "\"" + first + "\"",
+                                   second.empty() ? "" : "\"" + second + "\"", extra));
 }
 
 bool RawLinkClient::SendUploadData(std::uint32_t transfer, bool more, const Bytes& payload) {
-    Bytes frame;
-    AppendLe32(frame, 0x0A0B0C0D);
-    AppendLe16(frame, 9);
-    AppendLe16(frame, more ? 0x8000 : 0);
-    AppendLe32(frame, 1);
-    AppendLe32(frame, static_cast<std::uint32_t>(payload.size()));
-    AppendLe32(frame, transfer);
-    AppendLe16(frame, 0);
-    AppendLe16(frame, 2);
-    AppendLe32(frame, 0);
-    AppendLe32(frame, 0);
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    return SendRaw(frame);
+    return SendRaw(WireFrame(9, more ? 0x8000 : 0, transfer, payload, 0, 2));
 }
 
 bool RawLinkClient::Upload(std::uint32_t transfer, const std::string& path, const Bytes& content) {
@@ -142,14 +95,14 @@ std::optional<ReceivedFrame> RawLinkClient::ReadFrame() {
     if (header.size() != 32)
         return std::nullopt;
     ReceivedFrame frame;
-    frame.marker = ReadLe32(header, 0);
+    frame.marker = ReadU32(header, 0);
     frame.kind = static_cast<std::uint16_t>(header[4] | header[5] << 8);
     frame.flags = static_cast<std::uint16_t>(header[6] | header[7] << 8);
-    frame.version = ReadLe32(header, 8);
-    frame.length = ReadLe32(header, 12);
-    frame.argument = ReadLe32(header, 16);
+    frame.version = ReadU32(header, 8);
+    frame.length = ReadU32(header, 12);
+    frame.argument = ReadU32(header, 16);
     frame.subArgument = static_cast<std::uint16_t>(header[22] | header[23] << 8);
-    frame.extra = ReadLe32(header, 28);
+    frame.extra = ReadU32(header, 28);
     m_lastHeader = frame;
     if (frame.length > 65536)
         return std::nullopt;

@@ -1,16 +1,14 @@
 #pragma once
-// A deliberately plain link client for the simulator's tests: frames are written byte by byte here,
-// never through the simulator's or the module's encoders, so a layout mistake cannot cancel out.
+// A deliberately plain link client for the simulator's tests; its frames come from the tests' own
+// byte-by-byte writers (scriptedinstrument.h), never from the simulator's or the module's encoders.
+#include "scriptedinstrument.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 using Bytes = std::vector<std::uint8_t>;
-
-void AppendLe16(Bytes& out, std::uint16_t value);
-void AppendLe32(Bytes& out, std::uint32_t value);
-std::uint32_t ReadLe32(const Bytes& bytes, std::size_t offset);
 
 struct ReceivedFrame {
     std::uint32_t marker = 0;
@@ -24,7 +22,7 @@ struct ReceivedFrame {
     Bytes payload;
 
     // For replies (kind 1).
-    std::uint32_t status() const { return payload.size() >= 4 ? ReadLe32(payload, 0) : 0xFFFFFFFF; }
+    std::uint32_t status() const { return payload.size() >= 4 ? ReadU32(payload, 0) : 0xFFFFFFFF; }
     std::string message() const;
     std::string text() const { return std::string(payload.begin(), payload.end()); }
 };

@@ -12,8 +12,8 @@ std::vector<ListedEntry> DecodeRecords(const Bytes& payload) {
         ListedEntry entry;
         const char* name = reinterpret_cast<const char*>(payload.data() + at);
         entry.name = std::string(name, strnlen(name, 1024));
-        entry.size = ReadLe32(payload, at + 1024);
-        entry.attributes = ReadLe32(payload, at + 1040);
+        entry.size = ReadU32(payload, at + 1024);
+        entry.attributes = ReadU32(payload, at + 1040);
         entries.push_back(entry);
     }
     return entries;
@@ -33,10 +33,6 @@ Bytes Inflate(const Bytes& packed) {
         return {};
     out.resize(size);
     return out;
-}
-
-Bytes ToBytes(const std::string& text) {
-    return Bytes(text.begin(), text.end());
 }
 
 Bytes Content(const std::vector<ReceivedFrame>& frames) {

@@ -19,7 +19,6 @@ struct ListedEntry {
 std::vector<ListedEntry> DecodeRecords(const Bytes& payload);
 std::vector<std::string> Names(const std::vector<ListedEntry>& entries);
 Bytes Inflate(const Bytes& packed);
-Bytes ToBytes(const std::string& text);
 // The content of a read transfer, compressed payloads expanded.
 Bytes Content(const std::vector<ReceivedFrame>& frames);
 

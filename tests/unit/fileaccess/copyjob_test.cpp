@@ -2,7 +2,7 @@
 // failures. Workstation folders on both sides, and a scripted instrument as the source for the rule
 // that only applies to files taken from the instrument.
 #include "copyjob.h"
-#include "scriptedinstrument.h"
+#include "onlinesensor.h"
 #include "tempdir.h"
 #include "text.h"
 #include "vexafileinfoimplfactory.h"
@@ -159,8 +159,8 @@ TEST(CopyJobBuild, DataFilesFromTheInstrumentNeedAccessLevelZero) {
         ASSERT_EQ(job.Top().children.size(), 1u);
         const CopyJob::Node& sub = *job.Top().children[0];
         EXPECT_EQ(sub.subFolder, L"sub");
-        const std::set<std::wstring> inner =
-            access ? std::set<std::wstring>{L"inner.vxs", L"inner.mth"} : std::set<std::wstring>{L"inner.mth"};
+        const std::set<std::wstring> inner = access ? std::set<std::wstring>{L"inner.vxs", L"inner.mth"}
+                                                    : std::set<std::wstring>{L"inner.mth"};
         EXPECT_EQ(ItemNames(sub), inner);
         EXPECT_TRUE(job.Failures().empty());
     }

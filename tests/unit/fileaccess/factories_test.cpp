@@ -1,6 +1,6 @@
 // Which back end the two factories give for a name: the link first, FTP only when the link does not
 // reach the instrument, and no folder back end without the link.
-#include "scriptedinstrument.h"
+#include "onlinesensor.h"
 #include "vexafileinfoimplfactory.h"
 #include "vexastdiofileimplfactory.h"
 #include "winsockerror.h"

@@ -1,6 +1,6 @@
 // The link file back end against a scripted instrument: exact request and data frames, the mode and
 // path rules, and how reads treat replies, foreign frames, compression and oversized frames.
-#include "scriptedinstrument.h"
+#include "onlinesensor.h"
 #include "vxsfileinfoimpl.h"
 #include "vxsstdiofileimpl.h"
 #include "winsockerror.h"
@@ -37,16 +37,9 @@ std::vector<uint8_t> Pattern(size_t size) {
     return out;
 }
 
-// The 32 header bytes of a data frame the workstation sends while writing, spelled out.
+// The 32 header bytes of a data frame the workstation sends while writing (sub-argument 2).
 std::vector<uint8_t> UploadHeader(uint16_t flags, uint32_t length, uint32_t id) {
-    std::vector<uint8_t> h = HexBytes("0D0C0B0A 0900");
-    AppendU16(h, flags);
-    AppendU32(h, 1);
-    AppendU32(h, length);
-    AppendU32(h, id);
-    auto tail = HexBytes("0000 0200 00000000 00000000");
-    h.insert(h.end(), tail.begin(), tail.end());
-    return h;
+    return WireFrame(9, flags, id, {}, 0, 2, length);
 }
 
 std::string ReadAll(VXSStdioFileImpl& file, int* result = nullptr) {
@@ -75,7 +68,8 @@ ScriptedInstrument::Responder AnswerReads(std::function<std::vector<uint8_t>(uin
 
 TEST(LinkFileRead, SendsTheRequestAndStreamsEveryFrame) {
     ScriptedInstrument instrument(AnswerReads([](uint32_t id) {
-        return Concat({DataFrame(id, 0x8000, Bytes("hello "), 11), DataFrame(id, 0, Bytes("world"), 999)});
+        return Concat(
+            {DataFrame(id, 0x8000, ToBytes("hello "), 11), DataFrame(id, 0, ToBytes("world"), 999)});
     }));
     OnlineSensor sensor(instrument);
     ASSERT_TRUE(sensor.online());
@@ -94,11 +88,6 @@ TEST(LinkFileRead, SendsTheRequestAndStreamsEveryFrame) {
 
     auto frames = instrument.Frames();
     ASSERT_EQ(frames.size(), 1u);
-    std::vector<uint8_t> header = HexBytes("0D0C0B0A 0800 0000 01000000 04080000");
-    AppendU32(header, id);
-    auto tail = HexBytes("0000 0000 00000000 00000000");
-    header.insert(header.end(), tail.begin(), tail.end());
-    EXPECT_EQ(frames[0].header, header);
     EXPECT_EQ(frames[0].bytes(), ExpectedRequest(3, 0, id, "\"/data/x.mth\""));
 }
 
@@ -243,7 +232,7 @@ TEST(LinkFileWrite, FrameBoundaries) {
 }
 
 TEST(LinkFileWrite, RefusesBadArgumentsAndTheWrongDirection) {
-    ScriptedInstrument instrument(AnswerReads([](uint32_t id) { return DataFrame(id, 0, Bytes("x")); }));
+    ScriptedInstrument instrument(AnswerReads([](uint32_t id) { return DataFrame(id, 0, ToBytes("x")); }));
     OnlineSensor sensor(instrument);
     ASSERT_TRUE(sensor.online());
     auto writer = std::make_unique<VXSStdioFileImpl>(instrument.host(), L"/w", L"w");
@@ -265,7 +254,7 @@ TEST(LinkFileWrite, RefusesBadArgumentsAndTheWrongDirection) {
     EXPECT_EQ(reader->GetError(), kErrInvalid);
     reader.reset();
     ASSERT_TRUE(instrument.WaitForFrames(3));
-    EXPECT_EQ(instrument.Frames()[1].payload, Bytes("\xC3\xA9\n"));
+    EXPECT_EQ(instrument.Frames()[1].payload, ToBytes("\xC3\xA9\n"));
 }
 
 TEST(LinkFileRead, HowFramesAreTaken) {
@@ -284,22 +273,22 @@ TEST(LinkFileRead, HowFramesAreTaken) {
     std::vector<Case> cases = {
         {"a reply with status 0 in the middle is skipped",
          [](uint32_t id) {
-             return Concat({DataFrame(id, 0x8000, Bytes("ab"), 4), ReplyFrame(id, 0, "fine"),
-                            DataFrame(id, 0, Bytes("cd"))});
+             return Concat({DataFrame(id, 0x8000, ToBytes("ab"), 4), ReplyFrame(id, 0, "fine"),
+                            DataFrame(id, 0, ToBytes("cd"))});
          },
          0, "abcd", false, 0, L"", 4},
         {"an error reply for another transfer is skipped",
          [](uint32_t id) {
-             return Concat({DataFrame(id, 0x8000, Bytes("ab")), ReplyFrame(id + 50, 5, "not yours"),
-                            DataFrame(id, 0, Bytes("cd"))});
+             return Concat({DataFrame(id, 0x8000, ToBytes("ab")), ReplyFrame(id + 50, 5, "not yours"),
+                            DataFrame(id, 0, ToBytes("cd"))});
          },
          0, "abcd", false, 0, L"", 0},
         {"data frames are taken whatever their id",
-         [](uint32_t id) { return DataFrame(id + 7, 0, Bytes("xyz"), 3); }, 0, "xyz", false, 0, L"", 3},
+         [](uint32_t id) { return DataFrame(id + 7, 0, ToBytes("xyz"), 3); }, 0, "xyz", false, 0, L"", 3},
         {"frames of other kinds are skipped",
          [](uint32_t id) {
              return Concat({WireFrame(4, 0x80, 0, std::vector<uint8_t>(10, 0)),
-                            WireFrame(8, 0, id, Bytes("junk")), DataFrame(id, 0, Bytes("ok"))});
+                            WireFrame(8, 0, id, ToBytes("junk")), DataFrame(id, 0, ToBytes("ok"))});
          },
          0, "ok", false, 0, L"", 0},
         {"an error reply at the open fails it with its status",
@@ -307,7 +296,8 @@ TEST(LinkFileRead, HowFramesAreTaken) {
          L"no such file: /x", 0},
         {"an error reply mid-read fails the read and loses its partial count",
          [](uint32_t id) {
-             return Concat({DataFrame(id, 0x8000, Bytes("ab")), ReplyFrame(id, 5, std::string("disk\0", 5))});
+             return Concat(
+                 {DataFrame(id, 0x8000, ToBytes("ab")), ReplyFrame(id, 5, std::string("disk\0", 5))});
          },
          0, "", true, 5, L"disk", 0},
         {"compressed frames are expanded; the length stays the first frame's",
@@ -320,12 +310,12 @@ TEST(LinkFileRead, HowFramesAreTaken) {
          kErrTooLarge, "", true, kErrTooLarge, L"", 0},
         {"an oversized frame mid-read fails the read with 34",
          [](uint32_t id) {
-             return Concat({DataFrame(id, 0x8000, Bytes("ab")), WireFrame(9, 0, id, {}, 0, 0, 65537)});
+             return Concat({DataFrame(id, 0x8000, ToBytes("ab")), WireFrame(9, 0, id, {}, 0, 0, 65537)});
          },
          0, "", true, kErrTooLarge, L"", 0},
         {"a frame that expands past 65,536 bytes fails the read, error unchanged",
          [tooBig](uint32_t id) {
-             return Concat({DataFrame(id, 0x8000, Bytes("ab")), DataFrame(id, 0x0400, Compressed(tooBig))});
+             return Concat({DataFrame(id, 0x8000, ToBytes("ab")), DataFrame(id, 0x0400, Compressed(tooBig))});
          },
          0, "", true, 0, L"", 0},
     };
@@ -371,7 +361,7 @@ TEST(LinkFileRead, ReadStringSplitsLines) {
         SCOPED_TRACE(c.content);
         const std::string content = c.content;
         ScriptedInstrument instrument(
-            AnswerReads([content](uint32_t id) { return DataFrame(id, 0, Bytes(content)); }));
+            AnswerReads([content](uint32_t id) { return DataFrame(id, 0, ToBytes(content)); }));
         OnlineSensor sensor(instrument);
         ASSERT_TRUE(sensor.online());
         VXSStdioFileImpl file(instrument.host(), L"/t.txt", L"rt");
@@ -384,7 +374,7 @@ TEST(LinkFileRead, ReadStringSplitsLines) {
 }
 
 TEST(LinkFileClose, WaitsHalfASecondAfterAFile) {
-    ScriptedInstrument instrument(AnswerReads([](uint32_t id) { return DataFrame(id, 0, Bytes("x")); }));
+    ScriptedInstrument instrument(AnswerReads([](uint32_t id) { return DataFrame(id, 0, ToBytes("x")); }));
     OnlineSensor sensor(instrument);
     ASSERT_TRUE(sensor.online());
     for (const wchar_t* mode : {L"r", L"w"}) {
@@ -403,7 +393,7 @@ TEST(LinkFileClose, WaitsHalfASecondAfterAFile) {
 TEST(LinkFileRead, ALinkThatFailsMidFileFailsTheRead) {
     ScriptedInstrument instrument([](const PeerFrame& frame, int socket) {
         if (frame.command() == 3) {
-            Send(socket, DataFrame(frame.argument(), 0x8000, Bytes("part")));
+            Send(socket, DataFrame(frame.argument(), 0x8000, ToBytes("part")));
             ::shutdown(socket, SHUT_RDWR);
         }
     });
@@ -423,9 +413,9 @@ TEST(LinkFileRead, ALinkThatFailsMidFileFailsTheRead) {
 TEST(LinkFileClose, AFileClosedBeforeItsEndLeavesTheLinkInStep) {
     ScriptedInstrument instrument([](const PeerFrame& frame, int socket) {
         if (frame.command() == 3)
-            Send(socket, Concat({DataFrame(frame.argument(), 0x8000, Bytes("aaaa"), 12),
-                                 DataFrame(frame.argument(), 0x8000, Bytes("bbbb")),
-                                 DataFrame(frame.argument(), 0, Bytes("cccc"))}));
+            Send(socket, Concat({DataFrame(frame.argument(), 0x8000, ToBytes("aaaa"), 12),
+                                 DataFrame(frame.argument(), 0x8000, ToBytes("bbbb")),
+                                 DataFrame(frame.argument(), 0, ToBytes("cccc"))}));
         if (frame.command() == 7)
             Send(socket, ReplyFrame(frame.argument(), 17, "already exists"));
     });

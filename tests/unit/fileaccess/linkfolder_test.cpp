@@ -1,6 +1,6 @@
 // The link folder back end against a scripted instrument: listings and the ".." rule, status
 // commands, running a command, describing a file, ids and time conversion.
-#include "scriptedinstrument.h"
+#include "onlinesensor.h"
 #include "vxsfileinfoimpl.h"
 #include "vxsstdiofileimpl.h"
 #include "winsockerror.h"
@@ -16,16 +16,10 @@
 
 namespace {
 
+constexpr auto Answer = ScriptedInstrument::Answering;
+
 void Send(int socket, const std::vector<uint8_t>& bytes) {
     LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
-}
-
-// An instrument that answers every request with the frames `script` makes for its id.
-ScriptedInstrument::Responder Answer(std::function<std::vector<uint8_t>(const PeerFrame& request)> script) {
-    return [script](const PeerFrame& frame, int socket) {
-        if (frame.kind() == 8)
-            Send(socket, script(frame));
-    };
 }
 
 std::vector<std::wstring> Names(const std::vector<FileInfo>& entries) {
@@ -258,7 +252,7 @@ TEST(LinkFolderCommands, RunCommandSendsSecondsAndReturnsTheFirstFrame) {
     Linked linked(Answer([](const PeerFrame& r) {
         if (r.firstArgument() == "\"fail\"")
             return ReplyFrame(r.argument(), 38, "unknown command");
-        return DataFrame(r.argument(), 0, Bytes("model=V2\n\xC3\xA9"));
+        return DataFrame(r.argument(), 0, ToBytes("model=V2\n\xC3\xA9"));
     }));
     ASSERT_TRUE(linked.sensor.online());
     const uint32_t id = VXSFileInfoImpl::PeekNextRequestId();

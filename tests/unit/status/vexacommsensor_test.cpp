@@ -1,6 +1,6 @@
 // The command channel against a scripted peer: request bytes, answer frames, parameter texts, faults.
 #include "loopback.h"
-#include "loopbackpeer.h"
+#include "scriptedinstrument.h"
 #include "statusfakes.h"
 #include "text.h"
 #include "vexacommsensor.h"
@@ -11,119 +11,20 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using Raw = std::vector<uint8_t>;
 
-void Put16(Bytes& out, uint16_t v) {
-    out.push_back(uint8_t(v));
-    out.push_back(uint8_t(v >> 8));
+Raw Data(uint32_t id, const std::string& text, uint16_t flags = 0) {
+    return DataFrame(id, flags, ToBytes(text));
 }
 
-void Put32(Bytes& out, uint32_t v) {
-    for (int i = 0; i < 4; ++i)
-        out.push_back(uint8_t(v >> (8 * i)));
-}
-
-uint32_t Get32(const uint8_t* p) {
-    return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
-}
-
-// A frame written field by field, as the instrument sends it.
-Bytes Frame(uint16_t kind, uint16_t flags, uint32_t id, const Bytes& payload, uint32_t marker = 0x0A0B0C0D) {
-    Bytes out;
-    Put32(out, marker);
-    Put16(out, kind);
-    Put16(out, flags);
-    Put32(out, 1);
-    Put32(out, uint32_t(payload.size()));
-    Put32(out, id);
-    Put16(out, 0);
-    Put16(out, 0);
-    Put32(out, 0);
-    Put32(out, 0);
-    out.insert(out.end(), payload.begin(), payload.end());
-    return out;
-}
-
-Bytes Text(const std::string& text) {
-    return Bytes(text.begin(), text.end());
-}
-
-Bytes Data(uint32_t id, const std::string& text, uint16_t flags = 0) {
-    return Frame(9, flags, id, Text(text));
-}
-
-Bytes Reply(uint32_t id, uint32_t status, const std::string& message = {}) {
-    Bytes payload;
-    Put32(payload, status);
-    payload.insert(payload.end(), message.begin(), message.end());
-    return Frame(1, 0, id, payload);
-}
-
-Bytes Join(std::initializer_list<Bytes> parts) {
-    Bytes out;
-    for (const Bytes& part : parts)
-        out.insert(out.end(), part.begin(), part.end());
-    return out;
-}
-
-struct Request {
-    Bytes raw;
-    uint32_t id = 0;
-    std::string command; // the first argument without its quotes
-};
-
-// The instrument side: takes the hello, then answers each request with what the script returns
-// (nothing: stays silent).
-class ScriptedInstrument {
-public:
-    using Script = std::function<Bytes(const Request&)>;
-
-    explicit ScriptedInstrument(Script script)
-        : m_script(std::move(script)), m_peer([this](int socket) { Serve(socket); }) {}
-
-    std::wstring host() const { return m_peer.host(); }
-    std::vector<Request> requests() const {
-        std::lock_guard lock(m_mutex);
-        return m_requests;
-    }
-
-private:
-    void Serve(int socket) {
-        uint8_t hello[42];
-        if (!LoopbackPeer::ReadExactly(socket, hello, sizeof hello))
-            return;
-        for (int served = 0; served < 100 && !m_peer.stopping(); ++served) {
-            Request request;
-            request.raw.resize(2084);
-            if (!LoopbackPeer::ReadExactly(socket, request.raw.data(), request.raw.size(), 10000))
-                return;
-            request.id = Get32(&request.raw[16]);
-            const char* text = reinterpret_cast<const char*>(&request.raw[36]);
-            std::string quoted(text, strnlen(text, 1024));
-            request.command = quoted.size() >= 2 ? quoted.substr(1, quoted.size() - 2) : quoted;
-            {
-                std::lock_guard lock(m_mutex);
-                m_requests.push_back(request);
-            }
-            Bytes answer = m_script(request);
-            if (!answer.empty() && !LoopbackPeer::WriteAll(socket, answer.data(), answer.size()))
-                return;
-        }
-    }
-
-    Script m_script;
-    mutable std::mutex m_mutex;
-    std::vector<Request> m_requests;
-    LoopbackPeer m_peer; // last: its threads stop before the members they use go
-};
+// An instrument that answers each request with what the script returns (nothing: stays silent).
+constexpr auto Script = ScriptedInstrument::Answering;
 
 // A sensor on line (its own link is a flag) whose channel is a VexaCommSensor to the instrument.
 struct ChannelFixture {
@@ -138,7 +39,8 @@ struct ChannelFixture {
 };
 
 TEST(VexaCommSensorTest, RequestBytesAndDataAnswer) {
-    ScriptedInstrument instrument([](const Request& r) { return Data(r.id, "model=2\nneg=1\n"); });
+    ScriptedInstrument instrument(
+        Script([](const PeerFrame& r) { return Data(r.argument(), "model=2\nneg=1\n"); }));
     ChannelFixture f(instrument.host());
     ASSERT_TRUE(f.channel->IsOpen());
     ASSERT_EQ(f.sensor.GetChannel(), f.channel);
@@ -150,56 +52,51 @@ TEST(VexaCommSensorTest, RequestBytesAndDataAnswer) {
     EXPECT_EQ(answer, L"model=2\nneg=1\n");
     EXPECT_EQ(error, 0);
 
-    const std::vector<Request> requests = instrument.requests();
+    const std::vector<PeerFrame> requests = instrument.Frames();
     ASSERT_EQ(requests.size(), 1u);
-    const Bytes& raw = requests[0].raw;
-    // Marker, kind 8, no flags, version 1, payload 2052, the id, zeros, 10 s in the extra word.
-    const Bytes head = HexBytes("0d0c0b0a 0800 0000 01000000 04080000");
-    EXPECT_TRUE(std::equal(head.begin(), head.end(), raw.begin()));
-    EXPECT_EQ(Bytes(raw.begin() + 20, raw.begin() + 28), Bytes(8, 0));
-    EXPECT_EQ(Bytes(raw.begin() + 28, raw.begin() + 36), HexBytes("0a000000 08000000"));
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&raw[36]), 9), std::string("\"status\"\0", 9));
-    EXPECT_TRUE(std::all_of(raw.begin() + 36 + 9, raw.end(), [](uint8_t b) { return b == 0; }));
+    // Command 8 with 10 s in the extra word.
+    EXPECT_EQ(requests[0].bytes(), ExpectedRequest(8, 0, requests[0].argument(), "\"status\"", "", 10));
 }
 
 TEST(VexaCommSensorTest, AnswerShapes) {
     struct Row {
         const char* name;
-        std::function<Bytes(uint32_t id)> answer;
+        std::function<Raw(uint32_t id)> answer;
         bool ok;
         std::wstring text;
         int error;
     };
     auto compressed = [](uint32_t id, const std::string& text) {
-        Bytes packed(compressBound(uLong(text.size())));
+        Raw packed(compressBound(uLong(text.size())));
         uLongf size = uLongf(packed.size());
         compress(packed.data(), &size, reinterpret_cast<const Bytef*>(text.data()), uLong(text.size()));
         packed.resize(size);
-        return Frame(9, 0x0400, id, packed);
+        return WireFrame(9, 0x0400, id, packed);
     };
     const std::vector<Row> rows = {
         {"two data frames joined",
          [](uint32_t id) {
-             return Join({Data(id, "a=1\n", 0x8000), Data(id, "b=2")});
+             return Concat({Data(id, "a=1\n", 0x8000), Data(id, "b=2")});
          },
          true, L"a=1\nb=2", 0},
         {"compressed data", [&](uint32_t id) { return compressed(id, std::string(5000, 'x')); }, true,
          std::wstring(5000, L'x'), 0},
         {"other ids are skipped",
          [](uint32_t id) {
-             return Join({Data(id + 1000, "stale"), Data(id, "fresh")});
+             return Concat({Data(id + 1000, "stale"), Data(id, "fresh")});
          },
          true, L"fresh", 0},
         {"utf-8 answer", [](uint32_t id) { return Data(id, "process=M\xC3\xA9thode"); }, true,
          L"process=M\u00e9thode", 0},
-        {"empty success reply", [](uint32_t id) { return Reply(id, 0); }, true, L"", 0},
-        {"error reply with message", [](uint32_t id) { return Reply(id, 7, "unknown command"); }, false,
+        {"empty success reply", [](uint32_t id) { return ReplyFrame(id, 0); }, true, L"", 0},
+        {"error reply with message", [](uint32_t id) { return ReplyFrame(id, 7, "unknown command"); }, false,
          L"unknown command", 7},
-        {"error reply without message", [](uint32_t id) { return Reply(id, 5); }, false, L"", 5},
+        {"error reply without message", [](uint32_t id) { return ReplyFrame(id, 5); }, false, L"", 5},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ScriptedInstrument instrument([&row](const Request& r) { return row.answer(r.id); });
+        ScriptedInstrument instrument(
+            Script([&row](const PeerFrame& r) { return row.answer(r.argument()); }));
         ChannelFixture f(instrument.host());
         std::wstring answer;
         int error = -1;
@@ -213,23 +110,23 @@ TEST(VexaCommSensorTest, AnswerShapes) {
 }
 
 TEST(VexaCommSensorTest, ParametersAsHexTexts) {
-    ScriptedInstrument instrument([](const Request& r) {
-        if (r.command == "param get 5 0 4")
-            return Data(r.id, "0a0B0c00");
-        if (r.command == "param get 6 2 2")
-            return Data(r.id, "zz00");
-        if (r.command == "param get 7 0 2")
-            return Data(r.id, "0102030405");
-        if (r.command == "param set 9 1 00ff10")
-            return Data(r.id, "ok");
-        if (r.command.rfind("param set 9 2", 0) == 0)
-            return Data(r.id, "refused");
-        return Reply(r.id, 1, "unknown");
-    });
+    ScriptedInstrument instrument(Script([](const PeerFrame& r) {
+        if (r.firstArgument() == "\"param get 5 0 4\"")
+            return Data(r.argument(), "0a0B0c00");
+        if (r.firstArgument() == "\"param get 6 2 2\"")
+            return Data(r.argument(), "zz00");
+        if (r.firstArgument() == "\"param get 7 0 2\"")
+            return Data(r.argument(), "0102030405");
+        if (r.firstArgument() == "\"param set 9 1 00ff10\"")
+            return Data(r.argument(), "ok");
+        if (r.firstArgument().rfind("\"param set 9 2", 0) == 0)
+            return Data(r.argument(), "refused");
+        return ReplyFrame(r.argument(), 1, "unknown");
+    }));
     ChannelFixture f(instrument.host());
     uint8_t four[4] = {};
     ASSERT_TRUE(f.channel->Read(5, four, 4, 0));
-    EXPECT_EQ(Bytes(four, four + 4), HexBytes("0a0b0c00"));
+    EXPECT_EQ(Raw(four, four + 4), HexBytes("0a0b0c00"));
     uint8_t two[2] = {};
     EXPECT_FALSE(f.channel->Read(6, two, 2, 2)); // not hex
     EXPECT_EQ(f.channel->LastError(), kErrInvalid);
@@ -245,25 +142,25 @@ TEST(VexaCommSensorTest, ParametersAsHexTexts) {
 TEST(VexaCommSensorTest, OutOfStepStreamClosesTheChannel) {
     struct Row {
         const char* name;
-        std::function<Bytes(uint32_t id)> answer;
+        std::function<Raw(uint32_t id)> answer;
         int error;
     };
     const std::vector<Row> rows = {
-        {"wrong marker", [](uint32_t id) { return Frame(9, 0, id, Text("x"), 0x11223344); }, kErrInvalid},
-        {"oversize length",
+        {"wrong marker",
          [](uint32_t id) {
-             Bytes frame = Frame(9, 0, id, {});
-             frame[12] = 0x01; // 65,537 bytes announced
-             frame[14] = 0x01;
+             Raw frame = DataFrame(id, 0, ToBytes("x"));
+             frame[0] = 0x44; // marker 0x0A0B0C44
              return frame;
          },
-         kErrTooLarge},
-        {"undecodable compressed payload", [](uint32_t id) { return Frame(9, 0x0400, id, Text("not zlib")); },
-         kErrTooLarge},
+         kErrInvalid},
+        {"oversize length", [](uint32_t id) { return WireFrame(9, 0, id, {}, 0, 0, 65537); }, kErrTooLarge},
+        {"undecodable compressed payload",
+         [](uint32_t id) { return WireFrame(9, 0x0400, id, ToBytes("not zlib")); }, kErrTooLarge},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ScriptedInstrument instrument([&row](const Request& r) { return row.answer(r.id); });
+        ScriptedInstrument instrument(
+            Script([&row](const PeerFrame& r) { return row.answer(r.argument()); }));
         ChannelFixture f(instrument.host());
         std::wstring answer;
         int error = 0;
@@ -278,19 +175,19 @@ TEST(VexaCommSensorTest, OutOfStepStreamClosesTheChannel) {
 }
 
 TEST(VexaCommSensorTest, OverlongCommandIsRefusedUnsent) {
-    ScriptedInstrument instrument([](const Request& r) { return Data(r.id, "ok"); });
+    ScriptedInstrument instrument(Script([](const PeerFrame& r) { return Data(r.argument(), "ok"); }));
     ChannelFixture f(instrument.host());
     std::wstring answer;
     int error = 0;
     EXPECT_FALSE(f.channel->Command(L"method run " + std::wstring(1100, L'a'), &answer, &error));
     EXPECT_EQ(error, kErrInvalid);
     EXPECT_TRUE(f.channel->Command(L"method run " + std::wstring(1010, L'a'), &answer, &error));
-    EXPECT_EQ(instrument.requests().size(), 1u);
+    EXPECT_EQ(instrument.FrameCount(), 1u);
 }
 
 // A silent instrument: the receive gives up after the link's limit and takes the sensor off line.
 TEST(VexaCommSensorTest, SilentInstrumentTakesTheSensorOffLine) {
-    ScriptedInstrument instrument([](const Request&) { return Bytes(); });
+    ScriptedInstrument instrument(Script([](const PeerFrame&) { return Raw(); }));
     ChannelFixture f(instrument.host());
     ASSERT_TRUE(f.sensor.IsOnline(true));
     std::wstring answer;

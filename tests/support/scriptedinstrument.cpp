@@ -52,6 +52,10 @@ std::vector<uint8_t> PeerFrame::bytes() const {
     return out;
 }
 
+uint32_t ReadU32(const std::vector<uint8_t>& bytes, size_t offset) {
+    return LE32(&bytes.at(offset + 3) - 3);
+}
+
 void AppendU16(std::vector<uint8_t>& out, uint16_t v) {
     out.push_back(uint8_t(v));
     out.push_back(uint8_t(v >> 8));
@@ -118,7 +122,7 @@ std::vector<uint8_t> Record(const std::string& name, uint32_t size, int32_t t1, 
     return out;
 }
 
-std::vector<uint8_t> Bytes(const std::string& text) {
+std::vector<uint8_t> ToBytes(const std::string& text) {
     return std::vector<uint8_t>(text.begin(), text.end());
 }
 
@@ -133,6 +137,16 @@ ScriptedInstrument::ScriptedInstrument(Responder responder)
     : m_responder(std::move(responder)), m_peer([this](int s) { Serve(s); }) {}
 
 ScriptedInstrument::~ScriptedInstrument() = default;
+
+ScriptedInstrument::Responder
+ScriptedInstrument::Answering(std::function<std::vector<uint8_t>(const PeerFrame& request)> script) {
+    return [script](const PeerFrame& frame, int socket) {
+        if (frame.kind() != 8)
+            return;
+        const std::vector<uint8_t> answer = script(frame);
+        LoopbackPeer::WriteAll(socket, answer.data(), answer.size());
+    };
+}
 
 void ScriptedInstrument::Serve(int socket) {
     uint8_t hello[42];
@@ -178,17 +192,4 @@ bool ScriptedInstrument::WaitForFrames(size_t count, int timeoutMs) const {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return FrameCount() >= count;
-}
-
-OnlineSensor::OnlineSensor(ScriptedInstrument& instrument)
-    : m_sensor(new VEXASensorObject(nullptr, ISensorAddress(instrument.host()))) {
-    m_sensor->GoOnline();
-}
-
-OnlineSensor::~OnlineSensor() {
-    m_sensor->DecRef();
-}
-
-bool OnlineSensor::online() const {
-    return m_sensor->IsLinkOpen();
 }

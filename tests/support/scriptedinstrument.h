@@ -1,11 +1,11 @@
 #pragma once
-// A scripted instrument for the link back ends: a loopback peer that takes the hello, then reads
+// A scripted instrument for the link's clients: a loopback peer that takes the hello, then reads
 // whole frames and hands each to the test's responder, which may answer on the socket. Every frame
 // is also recorded, so a test can compare the exact bytes the module sent.
 //
-// Frames for the wire are written here byte by byte, never with the module's own encoder.
+// Frames for the wire are written here byte by byte, never with the module's or the simulator's own
+// encoders, so a layout mistake cannot cancel out.
 #include "loopbackpeer.h"
-#include "vexasensorobject.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,9 +29,10 @@ struct PeerFrame {
     std::vector<uint8_t> bytes() const;
 };
 
-// Little-endian writers for the tests' own frames.
+// Little-endian writers and reader for the tests' own frames.
 void AppendU16(std::vector<uint8_t>& out, uint16_t v);
 void AppendU32(std::vector<uint8_t>& out, uint32_t v);
+uint32_t ReadU32(const std::vector<uint8_t>& bytes, size_t offset);
 
 // A frame header followed by `payload`; the length field is the payload's size unless given.
 std::vector<uint8_t> WireFrame(uint16_t kind, uint16_t flags, uint32_t argument,
@@ -47,7 +48,7 @@ std::vector<uint8_t> ExpectedRequest(uint32_t command, uint16_t flags, uint32_t 
 // One directory record of 1,104 bytes.
 std::vector<uint8_t> Record(const std::string& name, uint32_t size, int32_t t1, int32_t t2, int32_t t3,
                             uint32_t attributes);
-std::vector<uint8_t> Bytes(const std::string& text);
+std::vector<uint8_t> ToBytes(const std::string& text);
 std::vector<uint8_t> Concat(std::initializer_list<std::vector<uint8_t>> parts);
 
 class ScriptedInstrument {
@@ -55,6 +56,8 @@ public:
     using Responder = std::function<void(const PeerFrame& frame, int socket)>;
 
     explicit ScriptedInstrument(Responder responder = {});
+    // A responder that answers each request frame (kind 8) with the bytes `script` makes for it.
+    static Responder Answering(std::function<std::vector<uint8_t>(const PeerFrame& request)> script);
     ~ScriptedInstrument();
 
     std::wstring host() const { return m_peer.host(); }
@@ -70,19 +73,4 @@ private:
     mutable std::mutex m_mutex;
     std::vector<PeerFrame> m_frames;
     LoopbackPeer m_peer;
-};
-
-// A sensor on line to a scripted instrument; the last reference goes with the fixture.
-class OnlineSensor {
-public:
-    explicit OnlineSensor(ScriptedInstrument& instrument);
-    ~OnlineSensor();
-    OnlineSensor(const OnlineSensor&) = delete;
-    OnlineSensor& operator=(const OnlineSensor&) = delete;
-    VEXASensorObject* operator->() const { return m_sensor; }
-    VEXASensorObject* get() const { return m_sensor; }
-    bool online() const;
-
-private:
-    VEXASensorObject* m_sensor;
 };
