@@ -5,8 +5,10 @@
 #include "vexafiledlg.h"
 #include "vexasensorobject.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QTest>
 
@@ -104,4 +106,12 @@ void FileManagerTest::DragRowTo(CPXExplorerCtrl* from, int row, const QPoint& gl
                      Qt::NoModifier);
     QApplication::sendEvent(viewport, &move);
     QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, viewport->mapFromGlobal(globalDrop));
+}
+
+std::vector<int> FileManagerTest::MenuCommands(QMenu& menu) {
+    std::vector<int> commands;
+    for (QAction* action : menu.actions())
+        if (!action->isSeparator())
+            commands.push_back(action->data().toInt());
+    return commands;
 }

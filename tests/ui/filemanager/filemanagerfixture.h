@@ -14,6 +14,7 @@
 #include <vector>
 
 class CPXExplorerCtrl;
+class QMenu;
 class CVexaFileDlg;
 class VEXASensorObject;
 
@@ -46,6 +47,8 @@ protected:
     // A drag of the selected rows of `from`, pressed on `row`, released at a global point.
     static void DragRowTo(CPXExplorerCtrl* from, int row, const QPoint& globalDrop);
     static QPoint CenterOf(const QWidget* widget);
+    // The command ids of a menu's items, separators left out.
+    static std::vector<int> MenuCommands(QMenu& menu);
 
     TempDir m_temp;
     std::unique_ptr<SimulatorProcess> m_simulator;

@@ -29,14 +29,6 @@
 
 namespace {
 
-std::vector<int> MenuCommands(QMenu& menu) {
-    std::vector<int> commands;
-    for (QAction* action : menu.actions())
-        if (!action->isSeparator())
-            commands.push_back(action->data().toInt());
-    return commands;
-}
-
 // Presses Cancel in the copy progress window once the worker has copied something.
 class CancelWhenCopying : public QObject {
 public:

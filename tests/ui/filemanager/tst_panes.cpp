@@ -19,14 +19,6 @@
 
 namespace {
 
-std::vector<int> MenuCommands(QMenu& menu) {
-    std::vector<int> commands;
-    for (QAction* action : menu.actions())
-        if (!action->isSeparator())
-            commands.push_back(action->data().toInt());
-    return commands;
-}
-
 bool MenuItemEnabled(QMenu& menu, int command) {
     for (QAction* action : menu.actions())
         if (action->data().toInt() == command)
