@@ -44,53 +44,40 @@ const std::vector<uint8_t> kTwoRecords =
 } // namespace
 
 TEST(LinkListing, RecordsParentRuleAndPatterns) {
+    using Frames = std::function<std::vector<uint8_t>(uint32_t id)>;
+    const Frames twoRecords = [](uint32_t id) { return DataFrame(id, 0x0100, kTwoRecords); };
     struct Case {
         const char* name;
         std::wstring folder;
-        std::wstring pattern;
-        std::function<std::vector<uint8_t>(uint32_t id)> frames;
         std::vector<std::wstring> names;
+        Frames frames;
+        std::wstring pattern;
     } cases[] = {
-        {"2,300 bytes are two records; /data gains ..",
-         L"/data",
-         L"",
-         [](uint32_t id) { return DataFrame(id, 0x0100, kTwoRecords); },
-         {L"a.mth", L"sub", L".."}},
-        {"the root gains no ..",
-         L"/",
-         L"",
-         [](uint32_t id) { return DataFrame(id, 0x0100, kTwoRecords); },
-         {L"a.mth", L"sub"}},
-        {"a host prefix is dropped, root included",
-         L"@inst:/",
-         L"",
-         [](uint32_t id) { return DataFrame(id, 0x0100, kTwoRecords); },
-         {L"a.mth", L"sub"}},
-        {"an instrument .. is not doubled",
-         L"/data",
-         L"",
-         [](uint32_t id) {
-             return DataFrame(id, 0x0100, Concat({Record("..", 0, 0, 0, 0, 1), kTwoRecords}));
-         },
-         {L"..", L"a.mth", L"sub"}},
-        {"frames of another request add nothing",
-         L"/data",
-         L"",
-         [](uint32_t id) { return DataFrame(id + 1, 0x0100, kTwoRecords); },
-         {L".."}},
-        {"frames without the listing flag add nothing",
-         L"/",
-         L"",
-         [](uint32_t id) { return DataFrame(id, 0, kTwoRecords); },
-         {}},
+        {"2,300 bytes are two records; /data gains ..", L"/data", {L"a.mth", L"sub", L".."}, twoRecords},
+        {"the root gains no ..", L"/", {L"a.mth", L"sub"}, twoRecords},
+        {"a host prefix is dropped, root included", L"@inst:/", {L"a.mth", L"sub"}, twoRecords},
         {"a pattern keeps matching names, case-insensitively",
          L"/data",
-         L"*.MTH",
-         [](uint32_t id) { return DataFrame(id, 0x0100, kTwoRecords); },
-         {L"a.mth", L".."}},
+         {L"a.mth", L".."},
+         twoRecords,
+         L"*.MTH"},
+        {"an instrument .. is not doubled",
+         L"/data",
+         {L"..", L"a.mth", L"sub"},
+         [](uint32_t id) {
+             return DataFrame(id, 0x0100, Concat({Record("..", 0, 0, 0, 0, 1), kTwoRecords}));
+         }},
+        {"frames of another request add nothing",
+         L"/data",
+         {L".."},
+         [](uint32_t id) { return DataFrame(id + 1, 0x0100, kTwoRecords); }},
+        {"frames without the listing flag add nothing",
+         L"/",
+         {},
+         [](uint32_t id) { return DataFrame(id, 0, kTwoRecords); }},
         {"several frames, one compressed, and the last one ends it",
          L"/x",
-         L"",
+         {L"a", L"c", L"d", L".."},
          [](uint32_t id) {
              std::vector<uint8_t> records = Concat({Record("c", 1, 0, 0, 0, 0), Record("d", 1, 0, 0, 0, 0)});
              uLongf size = compressBound(uLong(records.size()));
@@ -100,8 +87,7 @@ TEST(LinkListing, RecordsParentRuleAndPatterns) {
              return Concat({DataFrame(id, 0x8100, Record("a", 1, 0, 0, 0, 0)), ReplyFrame(id, 0),
                             DataFrame(id, 0x8500, packed), DataFrame(id, 0x0100, {}),
                             DataFrame(id, 0x0100, Record("late", 1, 0, 0, 0, 0))});
-         },
-         {L"a", L"c", L"d", L".."}},
+         }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
