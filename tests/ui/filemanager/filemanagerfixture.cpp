@@ -7,7 +7,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTest>
@@ -79,17 +78,6 @@ void FileManagerTest::Select(CPXExplorerCtrl* view, const std::vector<std::wstri
         ASSERT_GE(row, 0) << "not listed: " << QString::fromStdWString(name).toStdString();
         view->SelectItem(row, true);
     }
-}
-
-bool FileManagerTest::WaitFor(const std::function<bool()>& done, int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > ms)
-            return false;
-        QTest::qWait(10);
-    }
-    return true;
 }
 
 QPoint FileManagerTest::CenterOf(const QWidget* widget) {

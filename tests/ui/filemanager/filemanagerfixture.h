@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QPoint>
+#include <QTest>
 
 #include <memory>
 #include <string>
@@ -43,7 +44,9 @@ protected:
     // Selects exactly these names (asserting that each is listed).
     static void Select(CPXExplorerCtrl* view, const std::vector<std::wstring>& names);
     // Waits, dispatching events, until `done` holds or `ms` pass.
-    static bool WaitFor(const std::function<bool()>& done, int ms = 3000);
+    static bool WaitFor(const std::function<bool()>& done, int ms = 3000) {
+        return QTest::qWaitFor(done, ms);
+    }
     // A drag of the selected rows of `from`, pressed on `row`, released at a global point.
     static void DragRowTo(CPXExplorerCtrl* from, int row, const QPoint& globalDrop);
     static QPoint CenterOf(const QWidget* widget);

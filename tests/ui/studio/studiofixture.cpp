@@ -4,10 +4,6 @@
 #include "managedinstrument.h"
 #include "sensormanager.h"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QThread>
-
 #include <cstdlib>
 #include <filesystem>
 
@@ -51,16 +47,4 @@ ManagedInstrument& StudioTest::Instrument(int row) {
 
 QString StudioTest::LogText() const {
     return m_window->Log()->Text();
-}
-
-bool StudioTest::WaitFor(const std::function<bool()>& done, int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > ms)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        QThread::msleep(10);
-    }
-    return true;
 }

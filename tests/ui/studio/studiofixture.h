@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QTest>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,7 +31,9 @@ protected:
     QString LogText() const;
 
     // Processes events until `done` holds or `ms` pass; returns whether it held.
-    static bool WaitFor(const std::function<bool()>& done, int ms = 15000);
+    static bool WaitFor(const std::function<bool()>& done, int ms = 15000) {
+        return QTest::qWaitFor(done, ms);
+    }
 
     TempDir m_temp;
     CPXRegistry m_registry;
