@@ -1,8 +1,8 @@
 #include "paths.h"
 #include "sensorinfo.h"
 #include "sensorobject.h"
-#include "sensorobserver.h"
 
+#include "recordingobserver.h"
 #include "tempdir.h"
 
 #include <gtest/gtest.h>
@@ -97,17 +97,6 @@ private:
     FakeChannel* m_channel;
 };
 
-struct Recorder : ISensorObserver {
-    void OnSensorEvent(const ISensorEvent& event) override { events.push_back(event); }
-    std::vector<uint32_t> Codes() const {
-        std::vector<uint32_t> codes;
-        for (const auto& e : events)
-            codes.push_back(e.code);
-        return codes;
-    }
-    std::vector<ISensorEvent> events;
-};
-
 // A sensor with a fake communication sensor, on line, observed.
 struct OnlineSensor {
     OnlineSensor() {
@@ -119,7 +108,7 @@ struct OnlineSensor {
     FakeChannel channel;
     FakeSensor sensor{L"10.9.8.7"};
     FakeComm* comm;
-    Recorder observer;
+    RecordingObserver observer;
 };
 
 } // namespace
@@ -207,7 +196,7 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
     FakeSensor sensor(L"h");
     auto* comm = new FakeComm(&channel);
     sensor.SetCommSensor(std::unique_ptr<ICommSensor>(comm));
-    Recorder observer;
+    RecordingObserver observer;
     observer.SetSensor(&sensor);
 
     sensor.SetKeepOffline(true);
@@ -230,13 +219,13 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
     EXPECT_FALSE(sensor.GetDevice(L"VEXA").HasSnapshot());
     sensor.Disconnect(0); // already off line: no second event
     EXPECT_EQ(observer.Codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
-    EXPECT_EQ(observer.events[0].sensorName, L"h");
+    EXPECT_EQ(observer.Events()[0].sensorName, L"h");
 
     // A link that does not open leaves the sensor off line without events.
     sensor.allowOpen = false;
     EXPECT_FALSE(sensor.GoOnline());
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_EQ(observer.events.size(), 2u);
+    EXPECT_EQ(observer.Events().size(), 2u);
 
     // A link that drops is noticed: on line means link open.
     sensor.allowOpen = true;
@@ -251,12 +240,12 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
 
 TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
     FakeSensor sensor(L"h");
-    Recorder observer;
+    RecordingObserver observer;
     observer.SetSensor(&sensor);
     sensor.disconnectInsideConnect = true; // a failed hello calls Disconnect(0) from inside Connect
     EXPECT_FALSE(sensor.GoOnline());
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_TRUE(observer.events.empty());
+    EXPECT_TRUE(observer.Events().empty());
 
     sensor.disconnectInsideConnect = false;
     sensor.disconnectInsideClose = true; // the link reports a Disconnect while closing
@@ -295,13 +284,14 @@ TEST(SensorObject, PollDeviceParsesStatusAndRaisesEvents) {
     const IDevice::Snapshot expected = {
         {"model", "3"}, {"cartridge", "1"}, {"totalPres", "nan"}, {"process", ""}, {"heater.2", "1234"}};
     EXPECT_EQ(s.sensor.GetDevice(L"VEXA").GetSnapshot(), expected);
-    ASSERT_EQ(s.observer.events.size(), 4u);
-    EXPECT_EQ(s.observer.events[1].code, 1048881u);
-    EXPECT_EQ(s.observer.events[1].text, L"Box_backup.tgz");
-    EXPECT_EQ(s.observer.events[2].code, 6u);
-    EXPECT_EQ(s.observer.events[2].text, L"");
-    EXPECT_EQ(s.observer.events[3].code, 42u);
-    EXPECT_EQ(s.observer.events[3].text, L"text with  spaces");
+    const std::vector<ISensorEvent> events = s.observer.Events();
+    ASSERT_EQ(events.size(), 4u);
+    EXPECT_EQ(events[1].code, 1048881u);
+    EXPECT_EQ(events[1].text, L"Box_backup.tgz");
+    EXPECT_EQ(events[2].code, 6u);
+    EXPECT_EQ(events[2].text, L"");
+    EXPECT_EQ(events[3].code, 42u);
+    EXPECT_EQ(events[3].text, L"text with  spaces");
     EXPECT_TRUE(s.sensor.IsOnline(true));
 }
 
@@ -342,7 +332,7 @@ TEST(SensorObject, BusyChannelAndReenteredTimerKeepSensorOnline) {
 
 TEST(SensorObserver, MasksFilterNotifications) {
     FakeSensor sensor(L"h");
-    Recorder observer;
+    RecordingObserver observer;
     observer.SetSensor(&sensor);
     sensor.RaiseEvent(kSensorEventBackup, L"a");
     observer.SetAllDeviceMasks(0xFFFFFFFF, 0);
@@ -354,16 +344,16 @@ TEST(SensorObserver, MasksFilterNotifications) {
     observer.SetAllDeviceMasks(0xFFFFFFFF, 1);
     sensor.RaiseEvent(kSensorEventBackup, L"f");
     std::wstring texts;
-    for (const auto& e : observer.events)
+    for (const auto& e : observer.Events())
         texts += e.text;
     EXPECT_EQ(texts, L"acdf");
 
     // Detaching and destruction of either side in any order.
     observer.SetSensor(nullptr);
     sensor.RaiseEvent(2, L"g");
-    EXPECT_EQ(observer.events.size(), 4u);
+    EXPECT_EQ(observer.Events().size(), 4u);
     auto* other = new FakeSensor(L"x");
-    Recorder late;
+    RecordingObserver late;
     late.SetSensor(other);
     other->DecRef(); // the sensor goes first: the observer is detached
     EXPECT_EQ(late.GetSensor(), nullptr);
