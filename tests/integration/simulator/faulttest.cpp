@@ -38,15 +38,6 @@ TEST_F(SimulatorTest, CloseMidFrameCutsTheDataFrame) {
     EXPECT_TRUE(client->sawClose());
 }
 
-TEST_F(SimulatorTest, OversizeAnnouncesAnImpossibleLength) {
-    Start({"--fault", "oversize"});
-    auto client = Connect();
-    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname"));
-    EXPECT_FALSE(client->ReadFrame());
-    EXPECT_EQ(client->lastHeader().kind, 9);
-    EXPECT_EQ(client->lastHeader().length, 70000u);
-}
-
 TEST_F(SimulatorTest, ReplyStatusAnswersEveryFileRequest) {
     Start({"--fault", "reply-status=77"});
     auto client = Connect();

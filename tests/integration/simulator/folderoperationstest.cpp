@@ -55,13 +55,10 @@ TEST_F(SimulatorTest, MalformedFramesCloseTheConnection) {
         bool hello;
         Bytes frame;
     };
-    Bytes badMarker = {0x0D, 0x0C, 0x0B, 0x0B, 8, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
-    badMarker.resize(32, 0);
-    Bytes tooLong = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 0x01, 0x00, 0x01, 0x00}; // 65,537
-    tooLong.resize(32, 0);
-    Bytes requestFirst = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 0x04, 0x08, 0, 0};
-    requestFirst.resize(32 + 2052, 0);
-    requestFirst[32] = 1;
+    Bytes badMarker = WireFrame(8, 0, 0, {});
+    badMarker[3] = 0x0B;
+    const Bytes tooLong = WireFrame(8, 0, 0, {}, 0, 0, 65537);
+    const Bytes requestFirst = ExpectedRequest(1, 0, 0, "");
     for (const Case& c : {Case{"bad marker", true, badMarker}, Case{"payload above 65536", true, tooLong},
                           Case{"no hello", false, requestFirst}}) {
         SCOPED_TRACE(c.what);
@@ -80,10 +77,7 @@ TEST_F(SimulatorTest, MalformedFramesCloseTheConnection) {
 TEST_F(SimulatorTest, RequestOfTheWrongSizeIsRefused) {
     Start();
     auto client = Connect();
-    Bytes frame = {0x0D, 0x0C, 0x0B, 0x0A, 8, 0, 0, 0, 1, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0};
-    frame.resize(32, 0);
-    frame.insert(frame.end(), {1, 0, 0, 0});
-    ASSERT_TRUE(client->SendRaw(frame));
+    ASSERT_TRUE(client->SendRaw(WireFrame(8, 0, 9, {1, 0, 0, 0}))); // a command word without arguments
     std::optional<ReceivedFrame> reply = client->ReadFrame();
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->kind, 1);

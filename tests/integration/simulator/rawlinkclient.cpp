@@ -103,7 +103,6 @@ std::optional<ReceivedFrame> RawLinkClient::ReadFrame() {
     frame.argument = ReadU32(header, 16);
     frame.subArgument = static_cast<std::uint16_t>(header[22] | header[23] << 8);
     frame.extra = ReadU32(header, 28);
-    m_lastHeader = frame;
     if (frame.length > 65536)
         return std::nullopt;
     frame.payload = ReadUpTo(frame.length);

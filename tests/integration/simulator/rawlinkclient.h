@@ -47,7 +47,7 @@ public:
     bool Upload(std::uint32_t transfer, const std::string& path, const Bytes& content);
 
     // One frame, payload read as announced; nothing on time-out, close or an announced length above
-    // 65,536 (then only the header is read, see `lastHeader`).
+    // 65,536 (then only the header is read).
     std::optional<ReceivedFrame> ReadFrame();
     // Reads up to `count` bytes, returning what came before the time-out or the close.
     Bytes ReadUpTo(std::size_t count);
@@ -56,12 +56,10 @@ public:
     // Reads data frames until one without 0x8000; false when a reply or nothing came instead.
     bool ReadTransfer(std::vector<ReceivedFrame>* frames);
 
-    const ReceivedFrame& lastHeader() const { return m_lastHeader; }
     // Whether the last ReadUpTo/ReadFrame ended because the peer closed (rather than by time-out).
     bool sawClose() const { return m_sawClose; }
 
 private:
     int m_fd = -1;
-    ReceivedFrame m_lastHeader;
     bool m_sawClose = false;
 };
