@@ -1,12 +1,11 @@
 #pragma once
 // A simulator serving a temporary instrument tree, a sensor on line to it, and the module's two file
 // back-end factories, so that StdioFile, FileInfo and the folder lists reach it as the studio does.
-#include "copyprogress.h"
+#include "recordingprogress.h"
 #include "simulator.h"
 #include "tempdir.h"
 #include "vexasensorobject.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -35,20 +34,4 @@ private:
     TempDir m_root;
     std::unique_ptr<SimulatorProcess> m_sim;
     VEXASensorObject* m_sensor = nullptr;
-};
-
-// Counts what a copy reports and cancels once `cancelAfter` bytes went by (never when negative).
-class CountingProgress : public ICopyProgress {
-public:
-    void SetCurrentFile(const std::wstring&) override { ++files; }
-    void SetFileSize(int64_t bytes) override { size = bytes; }
-    void AddBytes(int64_t bytes) override { total += bytes; }
-    bool IsCancelled() const override { return cancelAfter >= 0 && total >= cancelAfter; }
-    void SetDone() override { done = true; }
-
-    std::atomic<int> files{0};
-    std::atomic<int64_t> size{-1};
-    std::atomic<int64_t> total{0};
-    int64_t cancelAfter = -1;
-    std::atomic<bool> done{false};
 };

@@ -46,10 +46,10 @@ std::string RoundTrip(SimulatedInstrument& instrument, const std::string& name, 
     EXPECT_EQ(download->size, int32_t(content.size()));
     pc.createDir("down");
     CVexaFileList back(nullptr, W(pc.file("down/")));
-    CountingProgress progress;
+    RecordingProgress progress;
     EXPECT_TRUE(back.CopyIn(*download, remote, &progress)) << back.LastError();
     EXPECT_EQ(progress.total, int64_t(content.size()));
-    EXPECT_EQ(progress.size, int64_t(content.size()));
+    EXPECT_EQ(progress.sizes, std::vector<int64_t>{int64_t(content.size())});
     EXPECT_TRUE(LeftoverTemporaries(instrument.root()).empty());
     EXPECT_TRUE(LeftoverTemporaries(pc.path()).empty());
     return ReadWholeFile(pc.file("down/" + name));
@@ -139,13 +139,13 @@ TEST(SimTransfer, CancelMidwayKeepsTheOldFileInBothDirections) {
     CVexaFileList local(nullptr, W(pc.path() + "/"));
     CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"));
 
-    CountingProgress upload;
+    RecordingProgress upload;
     upload.cancelAfter = 1024 * 1024;
     EXPECT_FALSE(remote.CopyIn(*local.Find(L"up.bin"), local, &upload));
     EXPECT_EQ(remote.LastError(), ECANCELED);
     EXPECT_EQ(ReadWholeFile(instrument.root() + "/Data/up.bin"), "old on the instrument");
 
-    CountingProgress download;
+    RecordingProgress download;
     download.cancelAfter = 1024 * 1024;
     EXPECT_FALSE(local.CopyIn(*remote.Find(L"down.bin"), remote, &download));
     EXPECT_EQ(ReadWholeFile(pc.file("down.bin")), "old on the pc");
@@ -172,9 +172,9 @@ TEST(SimTransfer, CopyJobCopiesATreeBothWays) {
     std::vector<FileInfo> selection{*local.Find(L"tree")};
     CopyJob up(local, remote);
     ASSERT_EQ(up.Build(selection, true, {}), CopyJob::BuildResult::kReady);
-    CountingProgress progress;
+    RecordingProgress progress;
     EXPECT_TRUE(up.Run(&progress));
-    EXPECT_TRUE(progress.done);
+    EXPECT_EQ(progress.done, 1);
     EXPECT_EQ(ReadWholeFile(instrument.root() + "/Data/tree/sub/deep/c.txt"), "c");
     EXPECT_TRUE(ReadWholeFile(instrument.root() + "/Data/tree/sub/b.tun") ==
                 ReadWholeFile(pc.file("tree/sub/b.tun")));

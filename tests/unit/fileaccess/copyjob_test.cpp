@@ -3,6 +3,7 @@
 // that only applies to files taken from the instrument.
 #include "copyjob.h"
 #include "onlinesensor.h"
+#include "recordingprogress.h"
 #include "tempdir.h"
 #include "text.h"
 #include "vexafileinfoimplfactory.h"
@@ -10,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <deque>
 #include <set>
 
@@ -28,25 +28,6 @@ std::set<std::wstring> ItemNames(const CopyJob::Node& node) {
         names.insert(item.destinationName);
     return names;
 }
-
-class CancellingProgress : public ICopyProgress {
-public:
-    void SetCurrentFile(const std::wstring& name) override { files.push_back(name); }
-    void SetFileSize(int64_t) override {}
-    void AddBytes(int64_t bytes) override { total += bytes; }
-    bool IsCancelled() const override { return cancelAfter >= 0 && total >= cancelAfter; }
-    void SetDone() override { ++done; }
-    void SetTotal(int64_t bytes, int count) override {
-        totalBytes = bytes;
-        totalFiles = count;
-    }
-    std::vector<std::wstring> files;
-    std::atomic<int64_t> total{0};
-    int64_t cancelAfter = -1;
-    int done = 0;
-    int64_t totalBytes = -1;
-    int totalFiles = -1;
-};
 
 void Send(int socket, const std::vector<uint8_t>& bytes) {
     LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
@@ -189,7 +170,7 @@ TEST(CopyJobRun, CopiesWholeTreesDepthFirst) {
     EXPECT_EQ(job.FileCount(), 3);
     EXPECT_EQ(job.TotalBytes(), 40004);
 
-    CancellingProgress progress;
+    RecordingProgress progress;
     EXPECT_TRUE(job.Run(&progress));
     EXPECT_EQ(job.CopiedCount(), 3);
     EXPECT_EQ(progress.done, 1);
@@ -216,7 +197,7 @@ TEST(CopyJobRun, CancelStopsTheWholeJob) {
     CVexaFileList destination(nullptr, W(dir.file("dst/")));
     CopyJob job(source, destination);
     ASSERT_EQ(job.Build(source.Entries(), true, {}), CopyJob::BuildResult::kReady);
-    CancellingProgress progress;
+    RecordingProgress progress;
     progress.cancelAfter = 20000 + 1; // during the second file
     EXPECT_FALSE(job.Run(&progress));
     EXPECT_TRUE(job.WasCancelled());

@@ -1,5 +1,6 @@
 // The folder list: its sort order, lookups, and the copy of one file through a temporary name, on
 // workstation folders.
+#include "recordingprogress.h"
 #include "tempdir.h"
 #include "text.h"
 #include "vexafilelist.h"
@@ -8,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cerrno>
 #include <functional>
 
@@ -32,34 +32,6 @@ void SetTime(const std::string& path, time_t when) {
     utimbuf times{when, when};
     ASSERT_EQ(::utime(path.c_str(), &times), 0);
 }
-
-// Records what a copy reports and cancels once `cancelAfter` bytes went by (never when negative).
-class RecordingProgress : public ICopyProgress {
-public:
-    void SetCurrentFile(const std::wstring& name) override { files.push_back(name); }
-    void SetFileSize(int64_t bytes) override { sizes.push_back(bytes); }
-    void AddBytes(int64_t bytes) override {
-        total += bytes;
-        blocks.push_back(bytes);
-        if (onBlock)
-            onBlock();
-    }
-    bool IsCancelled() const override { return cancelAfter >= 0 && total >= cancelAfter; }
-    void SetDone() override { done = true; }
-    void SetTotal(int64_t bytes, int count) override {
-        totalBytes = bytes;
-        totalFiles = count;
-    }
-
-    std::vector<std::wstring> files;
-    std::vector<int64_t> sizes, blocks;
-    std::atomic<int64_t> total{0};
-    int64_t cancelAfter = -1;
-    std::function<void()> onBlock;
-    bool done = false;
-    int64_t totalBytes = -1;
-    int totalFiles = -1;
-};
 
 } // namespace
 
