@@ -2,6 +2,7 @@
 #include "sensorinfo.h"
 #include "sensorobject.h"
 
+#include "fakechannel.h"
 #include "recordingobserver.h"
 #include "tempdir.h"
 
@@ -52,62 +53,16 @@ private:
     std::atomic<bool> m_open{false};
 };
 
-class FakeChannel : public IChannel {
-public:
-    bool Read(uint32_t, void*, uint32_t, uint32_t) override { return false; }
-    bool Write(uint32_t, const void*, uint32_t, uint32_t) override { return false; }
-    bool Command(const std::wstring& command, std::wstring* answer, int* error) override {
-        commands.push_back(command);
-        if (duringCommand)
-            duringCommand();
-        auto it = answers.find(command);
-        if (it == answers.end()) {
-            if (error)
-                *error = failure;
-            return false;
-        }
-        *answer = it->second;
-        return true;
-    }
-    bool IsOpen() const override { return open; }
-    std::map<std::wstring, std::wstring> answers;
-    std::vector<std::wstring> commands;
-    bool open = false;
-    int failure = 10060;
-    std::function<void()> duringCommand;
-};
-
-class FakeComm : public ICommSensor {
-public:
-    explicit FakeComm(FakeChannel* channel) : m_channel(channel) {}
-    IChannel* GetChannel(int index) override { return index == 0 ? m_channel : nullptr; }
-    bool Open() override {
-        ++opens;
-        m_channel->open = true;
-        return true;
-    }
-    void Close() override {
-        ++closes;
-        m_channel->open = false;
-    }
-    int opens = 0;
-    int closes = 0;
-
-private:
-    FakeChannel* m_channel;
-};
-
 // A sensor with a fake communication sensor, on line, observed.
 struct OnlineSensor {
     OnlineSensor() {
-        comm = new FakeComm(&channel);
-        sensor.SetCommSensor(std::unique_ptr<ICommSensor>(comm));
+        channel->failure = 10060; // unknown commands time out
+        sensor.SetCommSensor(std::unique_ptr<ICommSensor>(channel));
         observer.SetSensor(&sensor);
         EXPECT_TRUE(sensor.GoOnline());
     }
-    FakeChannel channel;
+    FakeChannel* channel = new FakeChannel; // owned by the sensor
     FakeSensor sensor{L"10.9.8.7"};
-    FakeComm* comm;
     RecordingObserver observer;
 };
 
@@ -188,10 +143,9 @@ TEST(SensorObject, RegistryAndReferenceCounting) {
 }
 
 TEST(SensorObject, GoOnlineAndDisconnect) {
-    FakeChannel channel;
     FakeSensor sensor(L"h");
-    auto* comm = new FakeComm(&channel);
-    sensor.SetCommSensor(std::unique_ptr<ICommSensor>(comm));
+    auto* channel = new FakeChannel;
+    sensor.SetCommSensor(std::unique_ptr<ICommSensor>(channel));
     RecordingObserver observer;
     observer.SetSensor(&sensor);
 
@@ -203,15 +157,15 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
     EXPECT_TRUE(sensor.GoOnline());
     EXPECT_EQ(sensor.GetSensorState(), kSensorOnline);
     EXPECT_TRUE(sensor.IsOnline(true));
-    EXPECT_EQ(comm->opens, 1);
-    EXPECT_EQ(sensor.GetChannel(), &channel);
+    EXPECT_EQ(channel->opens, 1);
+    EXPECT_EQ(sensor.GetChannel(), channel);
 
     sensor.GetDevice(L"VEXA").SetSnapshot({{"model", "2"}});
     sensor.Disconnect(0);
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
     EXPECT_FALSE(sensor.IsOnline(false));
     EXPECT_FALSE(sensor.IsLinkOpen());
-    EXPECT_EQ(comm->closes, 1);
+    EXPECT_EQ(channel->closes, 1);
     EXPECT_FALSE(sensor.GetDevice(L"VEXA").HasSnapshot());
     sensor.Disconnect(0); // already off line: no second event
     EXPECT_EQ(observer.Codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
@@ -264,19 +218,19 @@ TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
 
 TEST(SensorObject, PollDeviceParsesStatusAndRaisesEvents) {
     OnlineSensor s;
-    s.channel.answers[L"status"] = L"model=3\n"
-                                   L"cartridge = 1\r\n"
-                                   L"garbage line without equals\n"
-                                   L"=no key\n"
-                                   L"\n"
-                                   L"totalPres=nan\n"
-                                   L"process=\n"
-                                   L"heater.2=1234";
-    s.channel.answers[L"events"] =
+    s.channel->answers[L"status"] = L"model=3\n"
+                                    L"cartridge = 1\r\n"
+                                    L"garbage line without equals\n"
+                                    L"=no key\n"
+                                    L"\n"
+                                    L"totalPres=nan\n"
+                                    L"process=\n"
+                                    L"heater.2=1234";
+    s.channel->answers[L"events"] =
         L"1048881 Box_backup.tgz\r\nnot a code\n6\n12x junk\n42 text with  spaces\n";
     s.sensor.OnTimer(0);
 
-    EXPECT_EQ(s.channel.commands, (std::vector<std::wstring>{L"status", L"events"}));
+    EXPECT_EQ(s.channel->commands, (std::vector<std::wstring>{L"status", L"events"}));
     const IDevice::Snapshot expected = {
         {"model", "3"}, {"cartridge", "1"}, {"totalPres", "nan"}, {"process", ""}, {"heater.2", "1234"}};
     EXPECT_EQ(s.sensor.GetDevice(L"VEXA").GetSnapshot(), expected);
@@ -294,35 +248,35 @@ TEST(SensorObject, PollDeviceParsesStatusAndRaisesEvents) {
 TEST(SensorObject, FailingChannelTakesSensorOffline) {
     for (const wchar_t* failing : {L"status", L"events"}) {
         OnlineSensor s;
-        s.channel.answers[L"status"] = L"model=1";
-        s.channel.answers[L"events"] = L"";
-        s.channel.answers.erase(failing);
+        s.channel->answers[L"status"] = L"model=1";
+        s.channel->answers[L"events"] = L"";
+        s.channel->answers.erase(failing);
         s.sensor.OnTimer(0);
         EXPECT_EQ(s.sensor.GetSensorState(), kSensorOffline) << failing;
         EXPECT_EQ(s.observer.Codes().back(), kSensorEventOffline) << failing;
         EXPECT_FALSE(s.sensor.GetDevice(L"VEXA").HasSnapshot()) << failing;
-        EXPECT_EQ(s.comm->closes, 1) << failing;
+        EXPECT_EQ(s.channel->closes, 1) << failing;
 
         // Off line, the timer asks nothing.
-        const size_t asked = s.channel.commands.size();
+        const size_t asked = s.channel->commands.size();
         s.sensor.OnTimer(0);
-        EXPECT_EQ(s.channel.commands.size(), asked);
+        EXPECT_EQ(s.channel->commands.size(), asked);
     }
 }
 
 TEST(SensorObject, BusyChannelAndReenteredTimerKeepSensorOnline) {
     OnlineSensor s;
-    s.channel.failure = 10035; // the channel is busy with another exchange
+    s.channel->failure = 10035; // the channel is busy with another exchange
     s.sensor.OnTimer(0);
     EXPECT_TRUE(s.sensor.IsOnline(true));
 
     // A timer dispatched from the poll's own pumping wait does not start a second exchange.
-    s.channel.answers[L"status"] = L"model=1";
-    s.channel.answers[L"events"] = L"";
-    s.channel.commands.clear();
-    s.channel.duringCommand = [&] { s.sensor.OnTimer(0); };
+    s.channel->answers[L"status"] = L"model=1";
+    s.channel->answers[L"events"] = L"";
+    s.channel->commands.clear();
+    s.channel->duringCommand = [&] { s.sensor.OnTimer(0); };
     s.sensor.OnTimer(0);
-    EXPECT_EQ(s.channel.commands, (std::vector<std::wstring>{L"status", L"events"}));
+    EXPECT_EQ(s.channel->commands, (std::vector<std::wstring>{L"status", L"events"}));
     EXPECT_TRUE(s.sensor.IsOnline(true));
 }
 
