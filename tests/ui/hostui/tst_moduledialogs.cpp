@@ -1,15 +1,9 @@
 // The module's rename and text editor dialogs, driven as the file manager and its user drive them.
-// With VEXA_SCREENSHOT_DIR set, `screenshots` also saves a picture of every dialog of this library.
 #include "edittextdialog.h"
-#include "filecopydlg.h"
-#include "fileinfo.h"
-#include "mkdirdlg.h"
 #include "modalguard.h"
-#include "overwritedlg.h"
 #include "renamedlg.h"
 #include "resource.h"
 
-#include <QDir>
 #include <QFontInfo>
 #include <QFontMetrics>
 #include <QLabel>
@@ -17,8 +11,6 @@
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <QtTest>
-
-#include <thread>
 
 class ModuleDialogsTest : public QObject {
     Q_OBJECT
@@ -28,7 +20,6 @@ private slots:
     void textEditorModifiedFlag_data();
     void textEditorModifiedFlag();
     void textEditorUsesFixedPitchFont();
-    void screenshots();
 };
 
 void ModuleDialogsTest::renameStartsWithTheOldName_data() {
@@ -122,63 +113,6 @@ void ModuleDialogsTest::textEditorUsesFixedPitchFont() {
         dialog.PressButton(IDCANCEL);
     });
     QCOMPARE(dialog.DoModal(), IDCANCEL);
-}
-
-void ModuleDialogsTest::screenshots() {
-    const QString folder = qEnvironmentVariable("VEXA_SCREENSHOT_DIR");
-    if (folder.isEmpty())
-        QSKIP("set VEXA_SCREENSHOT_DIR to save pictures of the dialogs");
-    QDir().mkpath(folder);
-    const auto shoot = [&](CDialog_& dialog, const QString& name, std::function<void()> prepare = {}) {
-        QTimer::singleShot(0, &dialog, [&dialog, &folder, name, prepare] {
-            if (prepare)
-                prepare();
-            QTest::qWait(200);
-            QVERIFY(dialog.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
-            dialog.EndDialog(IDCANCEL);
-        });
-        dialog.DoModal();
-    };
-
-    CRenameDlg rename;
-    rename.SetOldName(L"Calibration_2024-03-18_run07.vxs");
-    shoot(rename, QStringLiteral("rename"));
-
-    CEditTextDialog editor;
-    editor.SetText(
-        L"127.0.0.1\tlocalhost\r\n10.0.0.5\tvexaron vexaron.lab\r\n# spare unit\r\n10.0.0.9\tspare\r\n");
-    shoot(editor, QStringLiteral("edittext"));
-
-    FileInfo existing;
-    existing.name = L"run1.vxs";
-    existing.size = 1'234'567;
-    existing.times[2] = 1'700'000'000'000'000;
-    FileInfo replacement = existing;
-    replacement.size = 2'345'678;
-    replacement.times[2] = 1'710'000'000'000'000;
-    COverwriteDlg overwrite(L"run1.vxs", COverwriteDlg::DescribeFiles(existing, replacement));
-    shoot(overwrite, QStringLiteral("overwrite"));
-
-    CMkdirDlg mkdir;
-    shoot(mkdir, QStringLiteral("mkdir"), [&mkdir] { mkdir.SetDlgItemText(IDC_PX_MKDIR_NAME, L"a/b"); });
-
-    CFileCopyDlg copy;
-    std::atomic<bool> saved{false};
-    QTimer::singleShot(1500, &copy, [&] {
-        QVERIFY(copy.grab().save(folder + QStringLiteral("/filecopy.png")));
-        saved = true;
-    });
-    copy.Run([&](ICopyProgress& progress) {
-        progress.SetTotal(40'000'000, 12);
-        progress.SetCurrentFile(L"@10.0.0.5:/Data/Survey/2024-03-18/Calibration_run07_with_a_long_name.vxs");
-        progress.SetFileSize(8'000'000);
-        for (int i = 0; i < 100 && !saved; ++i) {
-            progress.AddBytes(200'000);
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return 1;
-    });
-    QVERIFY(saved);
 }
 
 QTEST_MAIN(ModuleDialogsTest)
