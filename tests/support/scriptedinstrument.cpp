@@ -126,6 +126,10 @@ std::vector<uint8_t> ToBytes(const std::string& text) {
     return std::vector<uint8_t>(text.begin(), text.end());
 }
 
+void Send(int socket, const std::vector<uint8_t>& bytes) {
+    LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
+}
+
 std::vector<uint8_t> Concat(std::initializer_list<std::vector<uint8_t>> parts) {
     std::vector<uint8_t> out;
     for (const auto& part : parts)
@@ -143,8 +147,7 @@ ScriptedInstrument::Answering(std::function<std::vector<uint8_t>(const PeerFrame
     return [script](const PeerFrame& frame, int socket) {
         if (frame.kind() != 8)
             return;
-        const std::vector<uint8_t> answer = script(frame);
-        LoopbackPeer::WriteAll(socket, answer.data(), answer.size());
+        Send(socket, script(frame));
     };
 }
 

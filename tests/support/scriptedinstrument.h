@@ -49,6 +49,8 @@ std::vector<uint8_t> ExpectedRequest(uint32_t command, uint16_t flags, uint32_t 
 std::vector<uint8_t> Record(const std::string& name, uint32_t size, int32_t t1, int32_t t2, int32_t t3,
                             uint32_t attributes);
 std::vector<uint8_t> ToBytes(const std::string& text);
+// Writes frames to a peer's socket (a responder's answer).
+void Send(int socket, const std::vector<uint8_t>& bytes);
 std::vector<uint8_t> Concat(std::initializer_list<std::vector<uint8_t>> parts);
 
 class ScriptedInstrument {

@@ -29,10 +29,6 @@ std::set<std::wstring> ItemNames(const CopyJob::Node& node) {
     return names;
 }
 
-void Send(int socket, const std::vector<uint8_t>& bytes) {
-    LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
-}
-
 } // namespace
 
 TEST(DataFileNames, SubstringRules) {

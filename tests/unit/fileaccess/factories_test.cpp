@@ -11,10 +11,6 @@
 
 namespace {
 
-void Send(int socket, const std::vector<uint8_t>& bytes) {
-    LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
-}
-
 // An instrument without the file: every open for reading is refused with status 2.
 void RefuseReads(const PeerFrame& frame, int socket) {
     if (frame.kind() == 8 && frame.command() == 3)

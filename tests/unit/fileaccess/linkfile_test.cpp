@@ -18,10 +18,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void Send(int socket, const std::vector<uint8_t>& bytes) {
-    LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
-}
-
 std::vector<uint8_t> Compressed(const std::vector<uint8_t>& plain) {
     uLongf size = compressBound(uLong(plain.size()));
     std::vector<uint8_t> out(size);

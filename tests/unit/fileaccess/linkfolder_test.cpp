@@ -18,10 +18,6 @@ namespace {
 
 constexpr auto Answer = ScriptedInstrument::Answering;
 
-void Send(int socket, const std::vector<uint8_t>& bytes) {
-    LoopbackPeer::WriteAll(socket, bytes.data(), bytes.size());
-}
-
 std::vector<std::wstring> Names(const std::vector<FileInfo>& entries) {
     std::vector<std::wstring> names;
     for (const FileInfo& e : entries)
