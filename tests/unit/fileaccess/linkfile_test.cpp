@@ -1,6 +1,10 @@
 // The link file back end against a scripted instrument: exact request and data frames, the mode and
 // path rules, and how reads treat replies, foreign frames, compression and oversized frames.
 #include "onlinesensor.h"
+#include "tempdir.h"
+#include "text.h"
+#include "vexafilelist.h"
+#include "vexastdiofileimplfactory.h"
 #include "vxsfileinfoimpl.h"
 #include "vxsstdiofileimpl.h"
 #include "winsockerror.h"
@@ -426,4 +430,36 @@ TEST(LinkFileClose, AFileClosedBeforeItsEndLeavesTheLinkInStep) {
     EXPECT_FALSE(folders.MkDir(L"/x"));
     EXPECT_EQ(folders.LastReplyStatus(), 17u);
     EXPECT_EQ(folders.GetErrorText(), L"instrument status 17: already exists");
+}
+
+// A copy from the instrument must not replace the PC's file with less than the instrument announced:
+// a stream that ends early (here the last frame comes after 10 of 100 bytes) fails the copy.
+TEST(LinkFileCopy, ShortStreamNeverReplacesTheOldFile) {
+    VexaStdioFileImplFactory factory;
+    ScriptedInstrument instrument(AnswerReads([](uint32_t id) {
+        return DataFrame(id, 0, ToBytes("0123456789"), 100); // announces 100 bytes, sends 10
+    }));
+    OnlineSensor sensor(instrument);
+    ASSERT_TRUE(sensor.online());
+    TempDir pc;
+    pc.createFile("run1.vxs", "the old, complete file");
+
+    CVexaFileList source(sensor.get(), CVexaFileList::FolderArgument(instrument.host(), L"/Data"), false);
+    CVexaFileList destination(nullptr, CVexaFileList::FolderArgument(L"", FromUtf8(pc.path())));
+    FileInfo entry;
+    entry.name = L"run1.vxs";
+    entry.size = 100;
+    EXPECT_FALSE(destination.CopyIn(entry, source, nullptr));
+    EXPECT_EQ(destination.LastError(), EIO);
+    EXPECT_EQ(ReadWholeFile(pc.file("run1.vxs")), "the old, complete file");
+    EXPECT_FALSE(FileExists(pc.file("___temp@@run1.vxs")));
+
+    // The same stream with the length it announces copies.
+    ScriptedInstrument honest(
+        AnswerReads([](uint32_t id) { return DataFrame(id, 0, ToBytes("0123456789"), 10); }));
+    OnlineSensor honestSensor(honest);
+    CVexaFileList honestSource(honestSensor.get(), CVexaFileList::FolderArgument(honest.host(), L"/Data"),
+                               false);
+    EXPECT_TRUE(destination.CopyIn(entry, honestSource, nullptr)) << destination.LastError();
+    EXPECT_EQ(ReadWholeFile(pc.file("run1.vxs")), "0123456789");
 }
