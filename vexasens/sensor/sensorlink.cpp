@@ -153,42 +153,11 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
     uint8_t hello[42];
     BuildHelloFrame(hello);
 
+    // The hello goes out as any send does: a time-out takes the sensor off line, and every failure
+    // (including a socket closed meanwhile, 10057) leaves the link closed.
     lock.lock();
-    if (m_socket == kInvalidSocket) {
-        m_lastError = kWsaNotConn;
-        return;
-    }
-    int sent = 0;
-    uint32_t lastProgress = TickCount();
-    while (sent < int(sizeof hello)) {
-        if (TickCount() - lastProgress > kSendLimitMs) {
-            m_lastError = kWsaTimedOut;
-            if (m_onTimeout)
-                m_onTimeout();
-            Close();
-            return;
-        }
-        long n = ::send(m_socket, reinterpret_cast<const char*>(hello) + sent, int(sizeof hello) - sent,
-                        kSendFlags);
-        if (n < 0) {
-            int error = LastSocketError();
-            if (!WouldBlock(error)) {
-                m_lastError = error;
-                Close();
-                return;
-            }
-            PumpWaitSocket(intptr_t(m_socket), true, int(kSliceMs));
-        } else if (n == 0) {
-            PumpWait(kSliceMs);
-        } else {
-            sent += int(n);
-            lastProgress = TickCount();
-        }
-        if (m_socket == kInvalidSocket) {
-            m_lastError = kWsaNotConn;
-            return;
-        }
-    }
+    if (Transfer(hello, int(sizeof hello), true) != int(sizeof hello))
+        Close();
 }
 
 void SensorLink::Close() {
