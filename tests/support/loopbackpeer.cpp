@@ -11,14 +11,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-LoopbackPeer::LoopbackPeer(Handler handler, uint16_t port, const std::string& address, int backlog,
-                           int receiveBuffer)
+LoopbackPeer::LoopbackPeer(Handler handler, uint16_t port, const std::string& address, int backlog)
     : m_handler(std::move(handler)), m_address(address.empty() ? FreshLoopbackAddress() : address) {
     m_listen = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     int one = 1;
     setsockopt(m_listen, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-    if (receiveBuffer > 0) // set before listen so accepted sockets inherit it
-        setsockopt(m_listen, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
     sockaddr_in sa{};
     sa.sin_family = AF_INET;
     sa.sin_port = htons(port);

@@ -13,10 +13,9 @@ class LoopbackPeer {
 public:
     using Handler = std::function<void(int socket)>;
 
-    // Listens on a fresh loopback address (or the given one) at `port`; backlog as given. A positive
-    // `receiveBuffer` fixes the accepted sockets' receive buffer, so a slow reader holds the sender back.
+    // Listens on a fresh loopback address (or the given one) at `port`; backlog as given.
     explicit LoopbackPeer(Handler handler, uint16_t port = 4840, const std::string& address = {},
-                          int backlog = 8, int receiveBuffer = 0);
+                          int backlog = 8);
     ~LoopbackPeer();
     LoopbackPeer(const LoopbackPeer&) = delete;
     LoopbackPeer& operator=(const LoopbackPeer&) = delete;

@@ -9,19 +9,9 @@
 
 std::vector<AddCommand> CliCommands() {
     return {
-        AddPingCommand,
-        AddNextNameCommand,
-        AddStatusCommand,
-        AddLsCommand,
-        AddStatCommand,
-        AddGetCommand,
-        AddPutCommand,
-        AddCpCommand,
-        AddRmCommand,
-        AddRmdirCommand,
-        AddMkdirCommand,
-        AddMvCommand,
-        AddRunCommand,
+        AddPingCommand,  AddNextNameCommand, AddStatusCommand, AddLsCommand, AddStatCommand,
+        AddGetCommand,   AddPutCommand,      AddCpCommand,     AddRmCommand, AddRmdirCommand,
+        AddMkdirCommand, AddMvCommand,       AddRunCommand,
     };
 }
 
@@ -36,12 +26,10 @@ bool CliSession::Create(const std::wstring& host) {
     ISensorAddress address(host);
     if (!address.IsValid())
         return false;
-    // Sensor objects come from the VEXA sensor type, as the studio makes them.
-    ISensorObject* made = nullptr;
-    if (ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA"))
-        made = info->CreateSensorObject(nullptr, address);
-    else
-        made = new VEXASensorObject(nullptr, address);
+    // Sensor objects come from the VEXA sensor type (the module objects this program is built with), as
+    // the studio makes them.
+    ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA");
+    ISensorObject* made = info ? info->CreateSensorObject(nullptr, address) : nullptr;
     m_sensor = dynamic_cast<VEXASensorObject*>(made);
     if (made && !m_sensor)
         made->DecRef();
