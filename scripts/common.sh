@@ -7,7 +7,7 @@ VEXA_PACKAGES=(
     zlib1g-dev libcurl4-openssl-dev libarchive-dev nlohmann-json3-dev libcli11-dev
     libgtest-dev libgmock-dev
     python3 python3-pyftpdlib
-    xvfb xauth binutils-mingw-w64-x86-64 poppler-utils
+    xvfb xauth binutils-mingw-w64-x86-64 binutils-mingw-w64-i686 poppler-utils
 )
 
 vexa_install_missing() {

@@ -120,6 +120,23 @@ std::string ToUtf8(std::wstring_view text) {
     return out;
 }
 
+std::wstring FromUtf16(std::u16string_view text) {
+    std::wstring out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+            text[i + 1] <= 0xDFFF) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (char32_t(text[i + 1]) - 0xDC00);
+            ++i;
+        } else if (IsSurrogate(c)) {
+            c = kReplacement;
+        }
+        AppendWide(out, c);
+    }
+    return out;
+}
+
 std::wstring FromUtf8(std::string_view text) {
     std::wstring out;
     out.reserve(text.size());

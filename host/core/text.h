@@ -7,6 +7,8 @@
 std::string ToUtf8(std::wstring_view text);
 // Invalid UTF-8 sequences become U+FFFD, so bad bytes from the wire never throw.
 std::wstring FromUtf8(std::string_view text);
+// UTF-16 units (resource files, the Windows wire formats); unpaired surrogates become U+FFFD.
+std::wstring FromUtf16(std::u16string_view text);
 
 // towlower with Unicode case tables whatever the process locale (the "C" locale folds ASCII only), so
 // the CLI and the studio sort and compare names alike.
