@@ -23,6 +23,7 @@ namespace {
 
 constexpr const char* kUploadPrefix = ".vexa-sim-upload.";
 constexpr std::size_t kRecordsPerFrame = wire::kMaxPayload / wire::kRecordSize;
+constexpr std::size_t kMaxPlainRun = 16; // frames sent plain after repeated misses: 1 MiB
 
 bool Reply(const FileService::FrameOutput& out, std::uint32_t id, std::uint32_t status,
            const std::string& message = {}) {
@@ -74,8 +75,8 @@ bool FileService::CompressIfSmaller(std::vector<std::uint8_t>& payload) {
     if (payload.size() > 2 * kSample) {
         uLongf sampleSize = compressBound(static_cast<uLong>(kSample));
         std::vector<std::uint8_t> sample(sampleSize);
-        if (compress2(sample.data(), &sampleSize, payload.data(), static_cast<uLong>(kSample), Z_BEST_SPEED) !=
-                Z_OK ||
+        if (compress2(sample.data(), &sampleSize, payload.data(), static_cast<uLong>(kSample),
+                      Z_BEST_SPEED) != Z_OK ||
             sampleSize >= kSample * 95 / 100)
             return false;
     }
@@ -83,8 +84,8 @@ bool FileService::CompressIfSmaller(std::vector<std::uint8_t>& payload) {
     std::vector<std::uint8_t> packed(packedSize);
     // The fastest level: an instrument compresses while it streams, and a frame of incompressible data
     // must not cost more time than sending it plain.
-    if (compress2(packed.data(), &packedSize, payload.data(), static_cast<uLong>(payload.size()), Z_BEST_SPEED) !=
-            Z_OK ||
+    if (compress2(packed.data(), &packedSize, payload.data(), static_cast<uLong>(payload.size()),
+                  Z_BEST_SPEED) != Z_OK ||
         packedSize >= payload.size())
         return false;
     packed.resize(packedSize);
@@ -112,9 +113,12 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
         const std::string name = entry.path().filename().native();
         if (name.rfind(kUploadPrefix, 0) == 0 || (name.front() == '.' && !showHidden))
             continue;
-        // Links that lead out of the served folder are not part of the instrument.
+        // Links that lead out of the served folder are not part of the instrument. The folder itself
+        // is resolved already, so only a link can lead out; resolving every entry would cost more than
+        // the rest of the listing.
         std::error_code ignored;
-        if (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored)
+        if (entry.is_symlink(ignored) &&
+            (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored))
             continue;
         if (std::optional<DirectoryRecord> record = DirectoryRecord::FromPath(entry.path(), name))
             records.push_back(std::move(*record));
@@ -166,6 +170,11 @@ bool FileService::Read(const SimRequest& request, const FrameOutput& out) const 
     if (!ReadChunk(fd, wire::kMaxPayload, &chunk))
         return ReplyErrno(out, request.id, errno, "cannot read " + file.instrumentPath);
     bool first = true;
+    // After a frame that did not shrink, the next frames go plain without a try, a run that doubles
+    // with every further miss (up to kMaxPlainRun): random or packed files then cost no compression
+    // time at all, and a file that becomes compressible again is noticed within a few frames.
+    std::size_t plainRun = 0;
+    std::size_t plainLeft = 0;
     for (;;) {
         bool more = false;
         if (chunk.size() == wire::kMaxPayload) {
@@ -175,8 +184,15 @@ bool FileService::Read(const SimRequest& request, const FrameOutput& out) const 
             more = !following.empty();
         }
         std::uint16_t flags = more ? wire::kFlagMore : 0;
-        if (m_compress && CompressIfSmaller(chunk))
+        if (m_compress && plainLeft > 0) {
+            --plainLeft;
+        } else if (m_compress && CompressIfSmaller(chunk)) {
             flags |= wire::kFlagCompressed;
+            plainRun = 0;
+        } else if (m_compress) {
+            plainRun = std::min(kMaxPlainRun, std::max<std::size_t>(1, plainRun * 2));
+            plainLeft = plainRun;
+        }
         Frame frame = FrameCodec::MakeData(request.id, flags, std::move(chunk));
         if (first)
             frame.header.extra = static_cast<std::uint32_t>(info.st_size);
@@ -186,7 +202,8 @@ bool FileService::Read(const SimRequest& request, const FrameOutput& out) const 
         if (!more)
             return true;
         chunk = std::move(following);
-        following.clear();
+        // The buffer just sent is read into next: no allocation and no zero fill per frame.
+        following = std::move(frame.payload);
     }
 }
 

@@ -40,8 +40,8 @@ bool FrameSender::Send(const Frame& frame, bool faulted) {
     }
     if (!faulted || m_faults.empty()) {
         m_log.Frame(m_connection, false, frame.header);
-        const std::vector<std::uint8_t> bytes = FrameCodec::Encode(frame);
-        if (!m_stream.WriteAll(bytes.data(), bytes.size()))
+        const FrameCodec::HeaderBytes header = FrameCodec::EncodeHeader(frame.header);
+        if (!m_stream.WriteAll(header.data(), header.size(), frame.payload.data(), frame.payload.size()))
             m_open = false;
         return m_open;
     }

@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 SocketStream::SocketStream(int fd) : m_fd(fd) {}
@@ -36,6 +37,36 @@ bool SocketStream::WriteAll(const void* buffer, std::size_t count) {
             return false;
         bytes += sent;
         count -= static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+bool SocketStream::WriteAll(const void* head, std::size_t headCount, const void* body,
+                            std::size_t bodyCount) {
+    if (headCount + bodyCount == 0)
+        return true;
+    iovec parts[2] = {{const_cast<void*>(head), headCount}, {const_cast<void*>(body), bodyCount}};
+    iovec* next = parts;
+    int left = 2;
+    while (left > 0) {
+        msghdr message{};
+        message.msg_iov = next;
+        message.msg_iovlen = static_cast<std::size_t>(left);
+        ssize_t sent = ::sendmsg(m_fd, &message, MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        // Skips the parts that left whole (an empty one included), then trims the one cut short.
+        while (left > 0 && static_cast<std::size_t>(sent) >= next->iov_len) {
+            sent -= static_cast<ssize_t>(next->iov_len);
+            ++next;
+            --left;
+        }
+        if (left > 0) {
+            next->iov_base = static_cast<char*>(next->iov_base) + sent;
+            next->iov_len -= static_cast<std::size_t>(sent);
+        }
     }
     return true;
 }

@@ -13,6 +13,9 @@ public:
     // False when the peer closed the connection or the socket failed before `count` bytes came.
     bool ReadExactly(void* buffer, std::size_t count);
     bool WriteAll(const void* buffer, std::size_t count);
+    // Writes two buffers back to back with as few system calls as one would take: a frame's header
+    // and its payload leave without being copied together first.
+    bool WriteAll(const void* head, std::size_t headCount, const void* body, std::size_t bodyCount);
     // Turns Nagle's algorithm off, so single bytes leave at once (the trickle fault).
     void SendImmediately();
     // Ends both directions; safe from another thread while this one is blocked.

@@ -158,6 +158,27 @@ TEST_F(SimulatorTest, ReadsFilesPlainAndCompressed) {
     }
 }
 
+// A frame that does not shrink lets the next one go without a try; a file whose content turns
+// compressible is compressed again from the frame after that.
+TEST_F(SimulatorTest, CompressesAgainOnceTheContentShrinks) {
+    const Bytes noise = ToBytes(RandomBytes(2 * 65536, 9));
+    std::string content(noise.begin(), noise.end());
+    for (int i = 0; content.size() < 5 * 65536; ++i)
+        content += "sample " + std::to_string(i % 50) + " ok\n";
+    content.resize(5 * 65536);
+    m_temp.createFile("root/Data/mixed.vxs", content);
+    Start();
+    auto client = Connect();
+    ASSERT_TRUE(client->SendRequest(6, 3, "/Data/mixed.vxs"));
+    std::vector<ReceivedFrame> frames;
+    ASSERT_TRUE(client->ReadTransfer(&frames));
+    ASSERT_EQ(frames.size(), 5u);
+    const bool compressed[] = {false, false, true, true, true};
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        EXPECT_EQ((frames[i].flags & 0x0400) != 0, compressed[i]) << "frame " << i;
+    EXPECT_EQ(Content(frames), ToBytes(content));
+}
+
 TEST_F(SimulatorTest, ReadsAnEmptyFileAsOneEmptyFrame) {
     m_temp.createFile("root/Data/empty.vxs");
     Start();
