@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
     CommandLanguage commands(state);
-    SimServer server(SimServices{files, commands, options.faults, log});
+    SimServer server(SimServices{files, commands, options.faults, log, options.replyDelayMs});
 
     int wakeRead = -1;
     if (!InstallStopSignals(&wakeRead)) {

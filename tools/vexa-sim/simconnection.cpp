@@ -1,5 +1,7 @@
 #include "simconnection.h"
 
+#include <chrono>
+#include <thread>
 #include <zlib.h>
 
 #include "commandlanguage.h"
@@ -88,6 +90,8 @@ bool SimConnection::HandleFrame(const Frame& frame) {
 }
 
 bool SimConnection::HandleRequest(const Frame& frame) {
+    if (m_services.replyDelayMs > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(m_services.replyDelayMs));
     SimRequest request;
     std::string problem;
     if (!SimRequest::Parse(frame, &request, &problem)) {

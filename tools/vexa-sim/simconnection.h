@@ -23,6 +23,7 @@ struct SimServices {
     CommandLanguage& commands;
     const FaultPlan& faults;
     TraceLog& log;
+    int replyDelayMs = 0; // every request is answered this late
 };
 
 class SimConnection {

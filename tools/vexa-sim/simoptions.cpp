@@ -2,6 +2,10 @@
 
 #include <charconv>
 
+namespace {
+constexpr int kMaxReplyDelayMs = 60000;
+}
+
 SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* problem) {
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
@@ -37,6 +41,15 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
             trace = true;
         } else if (option == "--no-compress") {
             compress = false;
+        } else if (option == "--reply-delay") {
+            if (!value(&text))
+                return Outcome::Error;
+            const auto result = std::from_chars(text.data(), text.data() + text.size(), replyDelayMs);
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || replyDelayMs < 0 ||
+                replyDelayMs > kMaxReplyDelayMs) {
+                *problem = "--reply-delay needs a number of milliseconds from 0 to 60000";
+                return Outcome::Error;
+            }
         } else if (option == "--fault") {
             if (!value(&text) || !faults.Add(text, problem))
                 return Outcome::Error;
@@ -54,10 +67,11 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
 
 std::string SimOptions::Usage() {
     return "usage: vexa-sim --root DIR [--address 127.0.0.1] [--port 4840] [--profile FILE.json]\n"
-           "                [--trace] [--no-compress] [--fault FAULT ...]\n"
+           "                [--trace] [--no-compress] [--reply-delay MS] [--fault FAULT ...]\n"
            "Serves DIR as the instrument's file system on the instrument link.\n"
            "  --trace        log every frame received and sent on stderr\n"
            "  --no-compress  never compress file data\n"
+           "  --reply-delay MS  answer every request MS milliseconds late (a slow network)\n"
            "  --fault FAULT  stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
            "                 reply-status=S | drop-after-frames=N\n"
            "                 (repeatable; applies to the file service, not to commands)\n";

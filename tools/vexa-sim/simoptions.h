@@ -19,5 +19,7 @@ public:
     std::string profile;
     bool trace = false;
     bool compress = true;
+    // Every answer waits this long before it leaves: a field network's latency.
+    int replyDelayMs = 0;
     FaultPlan faults;
 };

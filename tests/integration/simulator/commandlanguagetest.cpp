@@ -139,3 +139,18 @@ TEST_F(CommandLanguageTest, MethodRunsForItsTimeThenQueuesItsEvent) {
     EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), "");
     EXPECT_EQ(Output(*client, "events"), "");
 }
+
+// The latency switch holds back every answer, a command's and a file request's alike, and nothing else.
+TEST_F(CommandLanguageTest, ReplyDelayHoldsBackEveryAnswer) {
+    Start({"--reply-delay", "300"});
+    auto client = Connect();
+    const auto timed = [&](auto ask) {
+        const auto start = std::chrono::steady_clock::now();
+        ask();
+        return std::chrono::steady_clock::now() - start;
+    };
+    EXPECT_GE(timed([&] { EXPECT_NE(Output(*client, "status").find("model="), std::string::npos); }),
+              std::chrono::milliseconds(300));
+    EXPECT_GE(timed([&] { EXPECT_EQ(Ask(*client, ++m_id, 9, "/Data/run1.vxs").kind, 9); }),
+              std::chrono::milliseconds(300));
+}

@@ -35,6 +35,8 @@ TEST_F(SimulatorTest, StartUpFailuresExitWithClearMessages) {
         {rootArg + " --address " + FreshLoopbackAddress() + " --profile '" + m_temp.file("bad.json") + "'", 1,
          "wrong value for \"model\""},
         {rootArg + " --fault stall-after=x", 2, "malformed fault"},
+        {rootArg + " --reply-delay -5", 2, "--reply-delay needs a number"},
+        {rootArg + " --reply-delay 60001", 2, "--reply-delay needs a number"},
         {rootArg + " --bogus", 2, "unknown option"},
         {"", 2, "--root is required"},
     };
