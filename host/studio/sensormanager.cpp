@@ -31,12 +31,16 @@ QString EventName(quint32 code) {
 }
 } // namespace
 
-SensorManager::SensorManager(QObject* parent) : QObject(parent) {}
+SensorManager::SensorManager(QObject* parent) : QObject(parent) {
+    connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+}
 
 SensorManager::~SensorManager() {
-    // Sensors go off line and are released before the modules' objects could be touched by anyone.
+    // Sensors go off line and are released before the modules' objects could be touched by anyone;
+    // off line first, so polls in flight end at once, then the polls' own references.
     qDeleteAll(m_instruments);
     m_instruments.clear();
+    m_poller.Finish();
 }
 
 bool SensorManager::LoadPlugins(const QString& folder) {
@@ -255,26 +259,16 @@ int SensorManager::TimerInterval() const {
 }
 
 void SensorManager::Tick() {
-    if (m_ticking)
-        return;
-    m_ticking = true;
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    // OnTimer waits on the network and dispatches events meanwhile, so the list may change under the
-    // loop: walk a guarded copy.
-    const QList<QPointer<ManagedInstrument>> instruments(m_instruments.begin(), m_instruments.end());
-    for (const QPointer<ManagedInstrument>& instrument : instruments) {
-        if (!instrument || instrument->IsConnecting())
+    // Each poll runs on its own thread and holds its sensor, so an instrument may be removed while its
+    // poll is still waiting on the network. One still waiting from the last tick is not started twice.
+    for (ManagedInstrument* instrument : std::as_const(m_instruments)) {
+        if (instrument->IsConnecting())
             continue;
         ISensorObject* sensor = instrument->Sensor();
-        if (!sensor || !sensor->IsOnline(false))
-            continue;
-        // Our own reference keeps the sensor alive should the instrument be removed meanwhile.
-        sensor->IncRef();
-        sensor->OnTimer(now);
-        sensor->DecRef();
+        if (sensor && sensor->IsOnline(false))
+            m_poller.Start(sensor, now);
     }
-    m_ticking = false;
-    emit ticked();
 }
 
 void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text) {

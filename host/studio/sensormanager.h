@@ -5,13 +5,13 @@
 //
 // Going on line runs on the GUI thread; the link's pumping wait dispatches events meanwhile, so these
 // operations can be re-entered from the window. An instrument that is connecting is therefore never
-// removed or replaced, and the timer does not run into itself.
+// removed or replaced. The timer's polls run on pool threads (SensorPoller), one per instrument.
 #include "instrumentconfig.h"
 #include "plugincatalog.h"
+#include "sensorpoller.h"
 
 #include <QList>
 #include <QObject>
-#include <QPointer>
 
 class ManagedInstrument;
 class ISensorInfo;
@@ -59,7 +59,8 @@ public:
     int TimerInterval() const;
 
 public slots:
-    // The alarm timer: OnTimer for every on-line sensor.
+    // The alarm timer: starts OnTimer for every on-line sensor whose previous poll has ended, and
+    // returns at once.
     void Tick();
 
 signals:
@@ -69,7 +70,7 @@ signals:
     void instrumentAboutToBeRemoved(int row);
     void instrumentRemoved(int row);
     void instrumentChanged(int row);
-    // After each tick, when the sensors' status may have changed.
+    // When polls have ended and the sensors' status may have changed.
     void ticked();
 
 private:
@@ -78,5 +79,5 @@ private:
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;
-    bool m_ticking = false;
+    SensorPoller m_poller;
 };

@@ -1,0 +1,57 @@
+#include "sensorpoller.h"
+
+#include "sensorobject.h"
+
+#include <QTimer>
+
+namespace {
+// Threads are made as polls need them and end when idle; beyond this many instruments, polls queue.
+constexpr int kMaxPollThreads = 128;
+} // namespace
+
+SensorPoller::SensorPoller(QObject* parent) : QObject(parent) {
+    m_pool.setMaxThreadCount(kMaxPollThreads);
+}
+
+SensorPoller::~SensorPoller() {
+    Finish();
+}
+
+bool SensorPoller::Start(ISensorObject* sensor, qint64 now) {
+    if (!sensor || m_running.contains(sensor))
+        return false;
+    sensor->IncRef();
+    m_running.insert(sensor);
+    // `this` outlives the task: Finish waits for the pool before the poller goes.
+    m_pool.start([this, sensor, now] {
+        sensor->OnTimer(now);
+        QMetaObject::invokeMethod(
+            this, [this, sensor] { Done(sensor); }, Qt::QueuedConnection);
+    });
+    return true;
+}
+
+bool SensorPoller::IsPolling(const ISensorObject* sensor) const {
+    return m_running.contains(const_cast<ISensorObject*>(sensor));
+}
+
+void SensorPoller::Finish() {
+    m_pool.waitForDone();
+    // The queued endings of these polls are dropped with the poller or find nothing to release.
+    for (ISensorObject* sensor : std::as_const(m_running))
+        sensor->DecRef();
+    m_running.clear();
+}
+
+void SensorPoller::Done(ISensorObject* sensor) {
+    if (!m_running.remove(sensor))
+        return; // released by Finish already
+    sensor->DecRef();
+    if (m_signalQueued)
+        return;
+    m_signalQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        m_signalQueued = false;
+        emit polled();
+    });
+}

@@ -1,0 +1,37 @@
+#pragma once
+// Polls each on-line sensor's device (its OnTimer) on a pool thread, one poll per sensor at a time, so
+// a slow or silent instrument delays neither the window nor the other instruments.
+//
+// Thread rule: Start, IsPolling and Finish are called on the GUI thread. OnTimer runs on a pool thread;
+// the sensor's notifications still reach the window as posted events. A sensor holds an extra
+// reference while it is polled, released on the GUI thread when its poll has ended.
+#include <QObject>
+#include <QSet>
+#include <QThreadPool>
+
+class ISensorObject;
+
+class SensorPoller : public QObject {
+    Q_OBJECT
+public:
+    explicit SensorPoller(QObject* parent = nullptr);
+    ~SensorPoller() override;
+
+    // Starts one poll of the sensor; false while its previous poll is still running.
+    bool Start(ISensorObject* sensor, qint64 now);
+    bool IsPolling(const ISensorObject* sensor) const;
+    // Waits for the polls in flight and lets go of their sensors. Take the sensors off line first: a
+    // closed channel ends a poll at once, a silent one only at the link's time limit.
+    void Finish();
+
+signals:
+    // Polls have ended since the last signal (one signal per pass of the event loop).
+    void polled();
+
+private:
+    void Done(ISensorObject* sensor);
+
+    QThreadPool m_pool;
+    QSet<ISensorObject*> m_running;
+    bool m_signalQueued = false;
+};
