@@ -22,6 +22,17 @@ std::optional<DirectoryRecord> DirectoryRecord::FromPath(const std::filesystem::
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0)
         return std::nullopt;
+    return FromStat(info, name);
+}
+
+std::optional<DirectoryRecord> DirectoryRecord::FromFolderEntry(int folderFd, const std::string& name) {
+    struct stat info {};
+    if (::fstatat(folderFd, name.c_str(), &info, 0) != 0)
+        return std::nullopt;
+    return FromStat(info, name);
+}
+
+DirectoryRecord DirectoryRecord::FromStat(const struct stat& info, const std::string& name) {
     DirectoryRecord record;
     record.name = name;
     record.folder = S_ISDIR(info.st_mode);

@@ -109,6 +109,10 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
     fs::directory_iterator entries(folder.real, error);
     if (error)
         return ReplyErrno(out, request.id, error.value(), "cannot list " + folder.instrumentPath);
+    const int folderFd = ::open(folder.real.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folderFd < 0)
+        return ReplyErrno(out, request.id, errno, "cannot list " + folder.instrumentPath);
+    FileCloser closer{folderFd};
     for (const fs::directory_entry& entry : entries) {
         const std::string name = entry.path().filename().native();
         if (name.rfind(kUploadPrefix, 0) == 0 || (name.front() == '.' && !showHidden))
@@ -117,10 +121,10 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
         // is resolved already, so only a link can lead out; resolving every entry would cost more than
         // the rest of the listing.
         std::error_code ignored;
-        if (entry.is_symlink(ignored) &&
-            (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored))
+        const bool mayLeadOut = entry.is_symlink(ignored) || ignored;
+        if (mayLeadOut && (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored))
             continue;
-        if (std::optional<DirectoryRecord> record = DirectoryRecord::FromPath(entry.path(), name))
+        if (std::optional<DirectoryRecord> record = DirectoryRecord::FromFolderEntry(folderFd, name))
             records.push_back(std::move(*record));
     }
     std::sort(records.begin(), records.end(),
