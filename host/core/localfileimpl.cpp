@@ -47,12 +47,15 @@ public:
             m_error = errno;
             return;
         }
-        // The copy paths move 16 KiB blocks; stdio's default buffer (the file system's block size)
+        // The copy paths write 16 KiB blocks; stdio's default buffer (the file system's block size)
         // would turn each into several system calls. Larger than the processor's cache, though, a
         // buffer costs more in copying than it saves (1 MiB made a get three times slower than
-        // 128 KiB). stdio takes the size only with our own buffer.
-        m_buffer = std::make_unique_for_overwrite<char[]>(kBufferSize);
-        std::setvbuf(m_file, m_buffer.get(), _IOFBF, kBufferSize);
+        // 128 KiB). stdio takes the size only with our own buffer. Reading needs none: a block read
+        // at least as large as the default buffer goes straight into the caller's memory.
+        if (narrowMode != "rb") {
+            m_buffer = std::make_unique_for_overwrite<char[]>(kBufferSize);
+            std::setvbuf(m_file, m_buffer.get(), _IOFBF, kBufferSize);
+        }
         // A folder opens for reading on some systems; it is no file.
         struct stat st {};
         if (fstat(fileno(m_file), &st) == 0 && S_ISDIR(st.st_mode)) {
