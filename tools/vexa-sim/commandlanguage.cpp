@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "instrumentstate.h"
+#include "tunerunner.h"
 #include "wireconstants.h"
 
 namespace {
@@ -82,7 +83,8 @@ std::string Hex(const std::vector<std::uint8_t>& bytes) {
 
 } // namespace
 
-CommandLanguage::CommandLanguage(InstrumentState& state) : m_state(state) {}
+CommandLanguage::CommandLanguage(InstrumentState& state, TuneRunner* tuner)
+    : m_state(state), m_tuner(tuner) {}
 
 Result CommandLanguage::Execute(const std::string& commandLine) {
     const std::vector<std::string> words = Words(commandLine);
@@ -156,13 +158,27 @@ Result CommandLanguage::Method(const std::string& commandLine, const std::vector
 
 Result CommandLanguage::Tune(const std::string& commandLine, const std::vector<std::string>& words) {
     std::uint32_t number = 0;
+    if (words.size() >= 2 && words[1] == "run")
+        return TuneRun(words);
     std::string path = RestAfterWords(commandLine, 3);
     if (path.size() >= 2 && path.front() == '"' && path.back() == '"')
         path = path.substr(1, path.size() - 2);
     if (words.size() < 4 || words[1] != "manual" || !ParseNumber(words[2], &number) || path.empty())
-        return Usage("tune manual <n> <path>");
+        return Usage("tune manual <n> <path> | tune run [<n>]");
     m_state.SetManualTune(static_cast<int>(number), path);
     return Result{0, "ok"};
+}
+
+Result CommandLanguage::TuneRun(const std::vector<std::string>& words) {
+    std::uint32_t number = 3;
+    if (words.size() > 3 || (words.size() == 3 && !ParseNumber(words[2], &number)))
+        return Usage("tune run [<n>]");
+    if (m_tuner == nullptr)
+        return Refuse(kStatusUnsupported, "tune not available");
+    const TuneRunner::Outcome outcome = m_tuner->Run(static_cast<int>(number));
+    if (outcome.status != wire::kStatusOk)
+        return Refuse(outcome.status, outcome.text);
+    return Result{0, outcome.text + "\n"};
 }
 
 Result CommandLanguage::Backup(const std::vector<std::string>&) {

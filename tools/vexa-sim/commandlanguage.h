@@ -7,6 +7,7 @@
 #include <vector>
 
 class InstrumentState;
+class TuneRunner;
 
 class CommandLanguage {
 public:
@@ -15,7 +16,8 @@ public:
         std::string text;
     };
 
-    explicit CommandLanguage(InstrumentState& state);
+    // Without a tune runner `tune run` is refused.
+    explicit CommandLanguage(InstrumentState& state, TuneRunner* tuner = nullptr);
 
     Result Execute(const std::string& commandLine);
 
@@ -25,10 +27,12 @@ private:
     Result Events(const std::vector<std::string>& words);
     Result Method(const std::string& commandLine, const std::vector<std::string>& words);
     Result Tune(const std::string& commandLine, const std::vector<std::string>& words);
+    Result TuneRun(const std::vector<std::string>& words);
     Result Backup(const std::vector<std::string>& words);
     Result Echo(const std::string& commandLine);
     Result Date(const std::vector<std::string>& words);
     Result Uname(const std::vector<std::string>& words);
 
     InstrumentState& m_state;
+    TuneRunner* m_tuner;
 };

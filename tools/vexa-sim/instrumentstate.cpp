@@ -133,6 +133,12 @@ void InstrumentState::SetManualTune(int number, const std::string& path) {
     m_manualTunes[number] = path;
 }
 
+std::string InstrumentState::ManualTune(int number) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_manualTunes.find(number);
+    return found == m_manualTunes.end() ? std::string() : found->second;
+}
+
 void InstrumentState::SetBackupProgress(int percent) {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_backupProgress = percent;

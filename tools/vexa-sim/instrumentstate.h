@@ -37,6 +37,8 @@ public:
     bool StartMethod(const std::string& commandLine);
     std::string RunningProcess();
     void SetManualTune(int number, const std::string& path);
+    // The manual tune file with that number; empty when none was set.
+    std::string ManualTune(int number);
     void SetBackupProgress(int percent);
 
 private:

@@ -13,6 +13,7 @@
 #include "simoptions.h"
 #include "simserver.h"
 #include "tracelog.h"
+#include "tunerunner.h"
 
 namespace {
 
@@ -69,7 +70,8 @@ int main(int argc, char** argv) {
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
-    CommandLanguage commands(state);
+    TuneRunner tuner(paths, state);
+    CommandLanguage commands(state, &tuner);
     SimServer server(SimServices{files, commands, options.faults, log, options.replyDelayMs});
 
     int wakeRead = -1;
