@@ -1,0 +1,14 @@
+#pragma once
+// Dates and times as the suite shows them. Times are milliseconds since 1970-01-01 UTC (signed, so
+// dates before 1970 work); the offset is the local time's distance from UTC in minutes at that time,
+// as PXLocalTimeDiff(time) / 60 gives it. The formats are fixed ("2026-11-23", "14:05:09") so lists of
+// dates sort as text and read alike on every workstation.
+#include <cstdint>
+#include <string>
+
+// Local time minus UTC in seconds at the given time (daylight saving included); 0 when the platform
+// cannot tell.
+int PXLocalTimeDiff(int64_t timeMs);
+
+std::wstring FormatDate(int64_t timeMs, int offsetMinutes);
+std::wstring FormatTime(int64_t timeMs, int offsetMinutes);

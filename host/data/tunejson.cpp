@@ -1,0 +1,83 @@
+#include "tunejson.h"
+
+#include "text.h"
+
+using nlohmann::json;
+
+namespace {
+
+bool ReadNumber(const json& value, const char* key, double* out) {
+    const auto found = value.find(key);
+    if (found == value.end())
+        return true; // a missing setting keeps its default
+    if (!found->is_number())
+        return false;
+    *out = found->get<double>();
+    return true;
+}
+
+} // namespace
+
+std::string OtherKeys(const json& value, std::initializer_list<const char*> known) {
+    json other = json::object();
+    for (const auto& [key, item] : value.items()) {
+        bool isKnown = false;
+        for (const char* name : known)
+            isKnown = isKnown || key == name;
+        if (!isKnown)
+            other[key] = item;
+    }
+    return other.dump();
+}
+
+void MergeOtherKeys(json& value, const std::string& other) {
+    const json keys = json::parse(other, nullptr, false);
+    if (!keys.is_object())
+        return;
+    for (const auto& [key, item] : keys.items()) {
+        if (!value.contains(key))
+            value[key] = item;
+    }
+}
+
+json TuneSectionToJson(const VexaTuneSection& section) {
+    json masses = json::array();
+    for (const VexaTuneMass& mass : section.masses)
+        masses.push_back({{"mass", mass.mass}, {"abundance", mass.abundance}, {"width", mass.width}});
+    json value = {{"calibrant", ToUtf8(section.calibrant)},
+                  {"electronEnergy", section.electronEnergy},
+                  {"emission", section.emission},
+                  {"repeller", section.repeller},
+                  {"masses", masses}};
+    MergeOtherKeys(value, section.OtherKeys());
+    return value;
+}
+
+bool TuneSectionFromJson(const json& value, VexaTuneSection* section) {
+    if (!value.is_object())
+        return false;
+    VexaTuneSection read;
+    if (const auto calibrant = value.find("calibrant"); calibrant != value.end()) {
+        if (!calibrant->is_string())
+            return false;
+        read.calibrant = FromUtf8(calibrant->get<std::string>());
+    }
+    if (!ReadNumber(value, "electronEnergy", &read.electronEnergy) ||
+        !ReadNumber(value, "emission", &read.emission) || !ReadNumber(value, "repeller", &read.repeller))
+        return false;
+    const json masses = value.value("masses", json::array());
+    if (!masses.is_array())
+        return false;
+    for (const json& item : masses) {
+        VexaTuneMass mass;
+        double number = 0;
+        if (!item.is_object() || !item.contains("mass") || !ReadNumber(item, "mass", &number) ||
+            !ReadNumber(item, "abundance", &mass.abundance) || !ReadNumber(item, "width", &mass.width))
+            return false;
+        mass.mass = int(number);
+        read.masses.push_back(mass);
+    }
+    read.SetOtherKeys(OtherKeys(value, {"calibrant", "electronEnergy", "emission", "repeller", "masses"}));
+    *section = std::move(read);
+    return true;
+}

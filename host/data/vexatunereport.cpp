@@ -1,0 +1,112 @@
+#include "vexatunereport.h"
+
+#include "remotename.h"
+#include "text.h"
+#include "tunejson.h"
+#include "vexajson.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+using nlohmann::json;
+
+namespace {
+
+constexpr const char* kFormat = "VexaTuneReport";
+
+bool ResultsFromJson(const json& value, std::vector<VexaTuneResult>* results) {
+    if (!value.is_object())
+        return false;
+    for (const auto& [key, item] : value.items()) {
+        char* end = nullptr;
+        const long mass = std::strtol(key.c_str(), &end, 10);
+        if (end == key.c_str() || *end != '\0' || !item.is_object())
+            return false;
+        VexaTuneResult result;
+        result.mass = int(mass);
+        const json abundance = item.value("abundance", json(0.0));
+        const json width = item.value("width", json(0.0));
+        const json pass = item.value("pass", json(false));
+        if (!abundance.is_number() || !width.is_number() || !pass.is_boolean())
+            return false;
+        result.abundance = abundance.get<double>();
+        result.width = width.get<double>();
+        result.pass = pass.get<bool>();
+        results->push_back(result);
+    }
+    std::sort(results->begin(), results->end(),
+              [](const VexaTuneResult& a, const VexaTuneResult& b) { return a.mass < b.mass; });
+    return true;
+}
+
+bool ReportFromJson(const json& value, VexaTuneReportSection* report) {
+    if (!value.is_object())
+        return false;
+    const auto time = value.find("time");
+    if (time == value.end() || !time->is_number_integer())
+        return false;
+    report->time = time->get<int64_t>();
+    const json instrument = value.value("instrument", json(""));
+    if (!instrument.is_string())
+        return false;
+    report->instrument = FromUtf8(instrument.get<std::string>());
+    if (!TuneSectionFromJson(value.value("tune", json::object()), &report->tune))
+        return false;
+    if (!ResultsFromJson(value.value("results", json::object()), &report->results))
+        return false;
+    report->otherKeys = OtherKeys(value, {"time", "instrument", "tune", "results"});
+    return true;
+}
+
+json ReportToJson(const VexaTuneReportSection& report) {
+    json results = json::object();
+    for (const VexaTuneResult& result : report.results)
+        results[std::to_string(result.mass)] = {
+            {"abundance", result.abundance}, {"width", result.width}, {"pass", result.pass}};
+    json value = {{"time", report.time}, {"tune", TuneSectionToJson(report.tune)}, {"results", results}};
+    if (!report.instrument.empty())
+        value["instrument"] = ToUtf8(report.instrument);
+    MergeOtherKeys(value, report.otherKeys);
+    return value;
+}
+
+} // namespace
+
+bool VexaTuneReport::Parse(const std::string& utf8) {
+    const json value = json::parse(utf8, nullptr, false);
+    std::wstring reason;
+    if (!VexaJson::CheckHeader(value, kFormat, &reason))
+        return false;
+    const json reports = value.value("reports", json::array());
+    if (!reports.is_array())
+        return false;
+    VexaTuneReportSections_ sections;
+    for (const json& item : reports) {
+        VexaTuneReportSection report;
+        if (!ReportFromJson(item, &report))
+            return false;
+        sections.AddReport(std::move(report));
+    }
+    m_sections = std::move(sections);
+    m_otherKeys = OtherKeys(value, {"format", "version", "reports"});
+    return true;
+}
+
+std::string VexaTuneReport::Serialize() const {
+    json reports = json::array();
+    for (int i = 0; i < m_sections.GetNumReports(); ++i)
+        reports.push_back(ReportToJson(*m_sections.GetReport(i)));
+    json value = {{"format", kFormat}, {"version", 1}, {"reports", reports}};
+    MergeOtherKeys(value, m_otherKeys);
+    return value.dump(2) + "\n";
+}
+
+std::wstring VexaTuneReport::ReportFileName(const std::wstring& tuneFileName) {
+    std::wstring folder, name, host;
+    ParseFilename(tuneFileName, &folder, &name, &host);
+    if (name.size() >= 3)
+        name.resize(name.size() - 3);
+    name += L"rpt";
+    // A local name keeps its own separator; MakeFilename joins with '/', which every platform reads.
+    return MakeFilename(MakeFilename(folder, L"Reports", L""), name, host);
+}
