@@ -34,3 +34,9 @@
 #define IDC_PX_MKDIR_LABEL 30121
 #define IDC_PX_MKDIR_NAME 30122
 #define IDC_PX_MKDIR_HINT 30123
+
+// ---- print ----
+#define IDD_PX_PRINT 30130
+#define IDC_PX_PRINT_DESTINATION 30131 // a printer, or the PDF file entry
+#define IDC_PX_PRINT_FILE 30132        // the PDF file's name
+#define IDC_PX_PRINT_COPIES 30133

@@ -1,5 +1,6 @@
 #include "vexatooluserinterfaceqt.h"
 
+#include "filetext.h"
 #include "prompt.h"
 
 #include <QApplication>
@@ -41,26 +42,9 @@ bool CVexaToolUserInterface::AskForFile(const std::wstring& current, const std::
     const QString start = preset.dir().exists() ? preset.absoluteFilePath()
                                                 : QString::fromStdWString(folder) + "/" + preset.fileName();
     const QString path =
-        QFileDialog::getOpenFileName(QApplication::activeWindow(), QString(), start, QtFilter(filter));
+        QFileDialog::getOpenFileName(QApplication::activeWindow(), QString(), start, QtFileFilter(filter));
     if (path.isEmpty())
         return false;
     *chosen = path.toStdWString();
     return true;
-}
-
-QString CVexaToolUserInterface::QtFilter(const std::wstring& filter) {
-    const QStringList parts = QString::fromStdWString(filter).split('|');
-    QStringList filters;
-    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-        QString description = parts[i].trimmed();
-        const QString patterns = parts[i + 1].split(';', Qt::SkipEmptyParts).join(' ').simplified();
-        if (description.isEmpty() || patterns.isEmpty())
-            continue;
-        // Qt reads the patterns from the last parentheses: replace the description's own list.
-        const qsizetype open = description.lastIndexOf(" (");
-        if (open > 0 && description.endsWith(')'))
-            description.truncate(open);
-        filters << description + " (" + patterns + ")";
-    }
-    return filters.join(";;");
 }

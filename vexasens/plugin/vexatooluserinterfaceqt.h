@@ -3,14 +3,9 @@
 // Installed for the module's lifetime when VexaSens.sdll is loaded. UI thread only.
 #include "tooluserinterface.h"
 
-#include <QString>
-
 class CVexaToolUserInterface : public IVexaToolUserInterface {
 public:
     void ShowMessage(const std::wstring& text) override;
     bool AskForFile(const std::wstring& current, const std::wstring& filter, const std::wstring& folder,
                     std::wstring* chosen) override;
-
-    // "Desc (*.a; *.b)|*.a;*.b|All Files (*.*)|*.*|" as Qt's "Desc (*.a *.b);;All Files (*.*)".
-    static QString QtFilter(const std::wstring& filter);
 };
