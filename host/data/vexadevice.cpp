@@ -187,6 +187,10 @@ std::wstring VexaDevice::ManualTuneCommand(int number, const std::wstring& path)
     return L"tune manual " + std::to_wstring(number) + L" " + path;
 }
 
+std::wstring VexaDevice::TuneCommand() {
+    return L"tune run";
+}
+
 bool VexaDevice::runMethod(const std::wstring& commandLine) {
     return SendCommand(RunMethodCommand(commandLine));
 }
@@ -197,6 +201,10 @@ bool VexaDevice::runBackup(const std::wstring& items) {
 
 bool VexaDevice::setManualTuneFile(int number, const std::wstring& path) {
     return SendCommand(ManualTuneCommand(number, path));
+}
+
+bool VexaDevice::runTune() {
+    return SendCommand(TuneCommand());
 }
 
 bool VexaDevice::SendCommand(const std::wstring& command) {

@@ -60,6 +60,8 @@ public:
     // Starts a backup of the given items (joined by one space); empty means every file.
     bool runBackup(const std::wstring& items);
     bool setManualTuneFile(int number, const std::wstring& path);
+    // Tunes the instrument with its current tune file; it appends a report to that file's reports.
+    bool runTune();
 
     int getLastError() const { return m_lastError; }
     const std::wstring& getLastErrorText() const { return m_lastErrorText; }
@@ -68,6 +70,7 @@ public:
     static std::wstring RunMethodCommand(const std::wstring& commandLine);
     static std::wstring BackupCommand(const std::wstring& items);
     static std::wstring ManualTuneCommand(int number, const std::wstring& path);
+    static std::wstring TuneCommand();
 
 private:
     bool ReadInt(const std::string& key, int* value) const;

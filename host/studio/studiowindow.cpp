@@ -493,6 +493,7 @@ void StudioWindow::RunTool(int toolIndex) {
     switch (outcome.kind) {
     case Kind::RanByModule:
     case Kind::ManageFilesClosed:
+    case Kind::Tuned:
         break;
     case Kind::ManageFilesUnavailable:
         statusBar()->showMessage(outcome.message, kMessageTimeoutMs);
@@ -505,6 +506,7 @@ void StudioWindow::RunTool(int toolIndex) {
         break;
     case Kind::NeedsInstrument:
     case Kind::OutOfScope:
+    case Kind::TuneFailed:
         Message(outcome.message);
         break;
     }

@@ -11,3 +11,4 @@ enum ToolCategory : int {
 // Indexes within a category that the studio acts on.
 inline constexpr int kToolIndexManageFiles = 1; // in kToolCategoryFiles
 inline constexpr int kToolIndexStatus = 3;      // in kToolCategoryStatus
+inline constexpr int kToolIndexTune = 7;        // in kToolCategoryRun

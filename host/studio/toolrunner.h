@@ -1,7 +1,8 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Status shows the status
-// panel; the remaining host features are outside the studio and say so.
+// panel, Tune tunes the selected instrument and shows its tune reports; the remaining host features
+// are outside the studio and say so.
 #include <QString>
 
 class ISensorInfo;
@@ -16,6 +17,8 @@ public:
             ManageFilesClosed,      // the Manage Files dialog ran and was closed
             ManageFilesUnavailable, // the module answered without a dialog
             ShowStatus,             // the window should show the status panel
+            Tuned,                  // the instrument tuned and its reports were shown
+            TuneFailed,             // the instrument could not tune (off line, refused)
             NeedsInstrument,        // the tool works on a sensor and none is selected
             OutOfScope,             // a host feature the studio does not have
         };
@@ -25,4 +28,7 @@ public:
 
     // `sensor` is the selected instrument's sensor, or null. The caller holds a reference on it.
     static Outcome Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor);
+
+private:
+    static Outcome RunTune(const QString& toolName, ISensorObject* sensor);
 };

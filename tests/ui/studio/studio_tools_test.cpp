@@ -3,9 +3,12 @@
 
 #include "logpane.h"
 #include "loopback.h"
+#include "managedinstrument.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
+#include "simulator.h"
 #include "statuspanel.h"
+#include "tempdir.h"
 #include "toollist.h"
 
 #include <QApplication>
@@ -33,7 +36,7 @@ QStringList Messages(const ScriptedPrompt& prompt) {
 
 TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
-    for (const char* name : {"Data Review", "Run Method", "Method Editor", "Service Module", "Tune"}) {
+    for (const char* name : {"Data Review", "Run Method", "Method Editor", "Service Module"}) {
         SCOPED_TRACE(name);
         ScriptedPrompt prompt;
         window.RunTool(ToolRow(window, name));
@@ -77,6 +80,38 @@ TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndReportsAMissingDialog) {
             << LogText().toStdString();
     else
         EXPECT_TRUE(LogText().contains("Manage Files on Bench closed")) << LogText().toStdString();
+}
+
+TEST_F(StudioTest, TuneNeedsAnInstrumentOnLine) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    {
+        ScriptedPrompt prompt;
+        window.RunTool(ToolRow(window, "Tune"));
+        ASSERT_EQ(Messages(prompt).size(), 1);
+        EXPECT_TRUE(Messages(prompt)[0].contains("select one in the list first"));
+    }
+    const int row =
+        window.Sensors().Add({"Bench", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true);
+    window.SelectRow(row);
+    ScriptedPrompt prompt;
+    window.RunTool(ToolRow(window, "Tune"));
+    ASSERT_EQ(Messages(prompt).size(), 1);
+    EXPECT_TRUE(Messages(prompt)[0].contains("Bench is off line")) << Messages(prompt)[0].toStdString();
+}
+
+TEST_F(StudioTest, TuneToolTunesTheInstrumentThenShowsItsReports) {
+    const std::string tree = CopyOfDemoTree();
+    const std::string reportFile = tree + "/Tune/Reports/Default.rpt";
+    const auto reports = [&] { return QString::fromStdString(ReadWholeFile(reportFile)).count("\"time\""); };
+    const int before = reports();
+    SimulatorProcess simulator(tree);
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {QString::fromStdString(simulator.address())});
+    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
+    window.SelectRow(0);
+    ScriptedPrompt prompt;
+    window.RunTool(ToolRow(window, "Tune"));
+    EXPECT_EQ(reports(), before + 1);
+    EXPECT_TRUE(LogText().contains("tuned; its report was added")) << LogText().toStdString();
 }
 
 TEST_F(StudioTest, FunctionKeysRunTheModulesPrograms) {

@@ -168,9 +168,10 @@ TEST(VexaDeviceTest, CommandsGoThroughChannelZero) {
     EXPECT_TRUE(device.runBackup(L""));
     EXPECT_TRUE(device.runBackup(L"@h:/Method/a.mth @h:/Tune"));
     EXPECT_TRUE(device.setManualTuneFile(3, L"/Tune/manual.tun"));
+    EXPECT_TRUE(device.runTune());
     const std::vector<std::wstring> expected = {L"method run \"/Data/run1.vxs\" -speed=2", L"backup",
                                                 L"backup @h:/Method/a.mth @h:/Tune",
-                                                L"tune manual 3 /Tune/manual.tun"};
+                                                L"tune manual 3 /Tune/manual.tun", L"tune run"};
     EXPECT_EQ(fake->commands, expected);
     EXPECT_EQ(device.getLastError(), 0);
 }
