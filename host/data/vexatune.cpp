@@ -3,6 +3,7 @@
 #include "text.h"
 #include "tunejson.h"
 #include "vexajson.h"
+#include "winsockerror.h"
 
 using nlohmann::json;
 
@@ -11,7 +12,10 @@ constexpr const char* kFormat = "VexaTune";
 }
 
 bool VexaTune::Parse(const std::string& utf8) {
-    const json value = json::parse(utf8, nullptr, false);
+    return FromDocument(json::parse(utf8, nullptr, false));
+}
+
+bool VexaTune::FromDocument(const json& value) {
     std::wstring reason;
     if (!VexaJson::CheckHeader(value, kFormat, &reason))
         return false;
@@ -31,15 +35,45 @@ bool VexaTune::Parse(const std::string& utf8) {
     return true;
 }
 
-std::string VexaTune::Serialize() const {
+bool VexaTune::Open(const std::wstring& name) {
+    m_lastError = 0;
+    m_lastErrorText.clear();
+    if (!m_file.Open(name)) {
+        m_lastError = m_file.GetLastError();
+        m_lastErrorText = m_file.GetLastErrorText();
+        return false;
+    }
+    if (!FromDocument(m_file.Document())) {
+        m_lastError = kErrInvalid;
+        m_lastErrorText = name + L" is not a tune file (error " + DescribeError(kErrInvalid) + L").";
+        return false;
+    }
+    return true;
+}
+
+bool VexaTune::Save(const std::wstring& name) {
+    m_lastError = 0;
+    m_lastErrorText.clear();
+    m_file.SetDocument(ToDocument());
+    if (m_file.Save(name))
+        return true;
+    m_lastError = m_file.GetLastError();
+    m_lastErrorText = m_file.GetLastErrorText();
+    return false;
+}
+
+json VexaTune::ToDocument() const {
     json parameters = json::object();
     if (!m_sensorMethod.empty())
         parameters["SENSOR"] = ToUtf8(m_sensorMethod);
     MergeOtherKeys(parameters, m_otherParameters);
-    json value = {{"format", kFormat},
-                  {"version", 1},
-                  {"tune", TuneSectionToJson(m_section)},
-                  {"parameters", parameters}};
+    json value = VexaJson::NewDocument(kFormat);
+    value["tune"] = TuneSectionToJson(m_section);
+    value["parameters"] = parameters;
     MergeOtherKeys(value, m_otherKeys);
-    return value.dump(2) + "\n";
+    return value;
+}
+
+std::string VexaTune::Serialize() const {
+    return ToDocument().dump(2) + "\n";
 }

@@ -1,6 +1,7 @@
 #pragma once
 // A tune file (".tun"): JSON with format "VexaTune", version 1, the tune section under `tune` and the
 // method it was made with under parameters/SENSOR. Keys this version does not know are kept.
+#include "vexafileref.h"
 #include "vexatunesection.h"
 
 #include <string>
@@ -15,6 +16,14 @@ public:
     bool Parse(const std::string& utf8);
     std::string Serialize() const;
 
+    // Reads a tune file; false when it cannot be read or is not a tune file (error 22).
+    bool Open(const std::wstring& name);
+    // Writes the tune to `name` through a temporary name, so a failed save leaves the old file as it was.
+    bool Save(const std::wstring& name);
+    int GetLastError() const { return m_lastError; }
+    // What failed, with the error number and its meaning.
+    const std::wstring& GetLastErrorText() const { return m_lastErrorText; }
+
     VexaTuneSection& GetTuneSection() { return m_section; }
     const VexaTuneSection& GetTuneSection() const { return m_section; }
     // The method named by parameters/SENSOR; empty when none.
@@ -22,6 +31,12 @@ public:
     void SetSensorMethod(const std::wstring& method) { m_sensorMethod = method; }
 
 private:
+    bool FromDocument(const nlohmann::json& document);
+    nlohmann::json ToDocument() const;
+
+    VexaFileRef m_file;
+    int m_lastError = 0;
+    std::wstring m_lastErrorText;
     VexaTuneSection m_section;
     std::wstring m_sensorMethod;
     std::string m_otherKeys = "{}";

@@ -4,6 +4,7 @@
 #include "text.h"
 #include "tunejson.h"
 #include "vexajson.h"
+#include "winsockerror.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -72,8 +73,46 @@ json ReportToJson(const VexaTuneReportSection& report) {
 
 } // namespace
 
+bool VexaTuneReport::Fail(int error, const std::wstring& text) {
+    m_lastError = error;
+    m_lastErrorText = text;
+    return false;
+}
+
+bool VexaTuneReport::Open(const std::wstring& name) {
+    Close();
+    if (!m_file.Open(name))
+        return Fail(m_file.GetLastError(), m_file.GetLastErrorText());
+    if (!FromDocument(m_file.Document())) {
+        m_file.Close();
+        return Fail(kErrInvalid,
+                    name + L" is not a tune report file (error " + DescribeError(kErrInvalid) + L").");
+    }
+    return true;
+}
+
+bool VexaTuneReport::Save() {
+    if (!m_file.IsOpen())
+        return Fail(kErrBadFile, L"No tune report file is open (error " + DescribeError(kErrBadFile) + L").");
+    m_file.SetDocument(ToDocument());
+    if (!m_file.Save())
+        return Fail(m_file.GetLastError(), m_file.GetLastErrorText());
+    return true;
+}
+
+void VexaTuneReport::Close() {
+    m_file.Close();
+    m_sections.Clear();
+    m_otherKeys = "{}";
+    m_lastError = 0;
+    m_lastErrorText.clear();
+}
+
 bool VexaTuneReport::Parse(const std::string& utf8) {
-    const json value = json::parse(utf8, nullptr, false);
+    return FromDocument(json::parse(utf8, nullptr, false));
+}
+
+bool VexaTuneReport::FromDocument(const json& value) {
     std::wstring reason;
     if (!VexaJson::CheckHeader(value, kFormat, &reason))
         return false;
@@ -92,13 +131,18 @@ bool VexaTuneReport::Parse(const std::string& utf8) {
     return true;
 }
 
-std::string VexaTuneReport::Serialize() const {
+json VexaTuneReport::ToDocument() const {
     json reports = json::array();
     for (int i = 0; i < m_sections.GetNumReports(); ++i)
         reports.push_back(ReportToJson(*m_sections.GetReport(i)));
-    json value = {{"format", kFormat}, {"version", 1}, {"reports", reports}};
+    json value = VexaJson::NewDocument(kFormat);
+    value["reports"] = reports;
     MergeOtherKeys(value, m_otherKeys);
-    return value.dump(2) + "\n";
+    return value;
+}
+
+std::string VexaTuneReport::Serialize() const {
+    return ToDocument().dump(2) + "\n";
 }
 
 std::wstring VexaTuneReport::ReportFileName(const std::wstring& tuneFileName) {

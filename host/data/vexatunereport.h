@@ -2,12 +2,27 @@
 // A tune report file: JSON with format "VexaTuneReport", version 1, and its reports under `reports`.
 // It lies in the "Reports" folder beside its tune file (ReportFileName). Keys this version does not
 // know are kept.
+#include "vexafileref.h"
 #include "vexatunereportsections.h"
 
 #include <string>
 
 class VexaTuneReport {
 public:
+    // ---- the file ----
+    // Opens and reads a report file. False for a missing or unreadable file, and with error 22 for a
+    // file that is not a report file; the reports are then empty and nothing is open.
+    bool Open(const std::wstring& name);
+    // Writes the reports to the file they were read from (through a temporary name, so a failed save
+    // leaves the old file as it was).
+    bool Save();
+    void Close();
+    bool IsOpen() const { return m_file.IsOpen(); }
+    int GetLastError() const { return m_lastError; }
+    // What failed, with the error number and its meaning.
+    const std::wstring& GetLastErrorText() const { return m_lastErrorText; }
+
+    // ---- the content ----
     // Reads a report file's text; false (and the reports unchanged) for anything else: another format,
     // a newer version, or a report without a time stamp.
     bool Parse(const std::string& utf8);
@@ -22,6 +37,13 @@ public:
     static std::wstring ReportFileName(const std::wstring& tuneFileName);
 
 private:
+    bool FromDocument(const nlohmann::json& document);
+    nlohmann::json ToDocument() const;
+    bool Fail(int error, const std::wstring& text);
+
+    VexaFileRef m_file;
+    int m_lastError = 0;
+    std::wstring m_lastErrorText;
     VexaTuneReportSections_ m_sections;
     std::string m_otherKeys = "{}";
 };

@@ -3,7 +3,9 @@
 #include "paths.h"
 #include "prompt.h"
 #include "pxresource.h"
+#include "remotename.h"
 #include "resource.h"
+#include "tunereportsdlg.h"
 #include "vexafiledlg.h"
 #include "vexasensorobject.h"
 
@@ -49,6 +51,19 @@ bool CVexaDialogLauncher::SelectFile(VEXASensorObject&, int, const std::wstring&
     return false;
 }
 
-void CVexaDialogLauncher::ShowTuneReports(VEXASensorObject&, const std::wstring&) {
-    SayNotAvailable(IDS_TUNE_REPORTS_NOT_AVAILABLE);
+void CVexaDialogLauncher::ShowTuneReports(VEXASensorObject& sensor, const std::wstring& title) {
+    constexpr int kTuneKind = 2;
+    std::wstring localFolder, remoteFolder;
+    sensor.GetFolderInfo(kTuneKind, &localFolder, &remoteFolder, nullptr, nullptr);
+    // The instrument's tune files when it is on line, else the workstation's.
+    const std::wstring start = sensor.IsOnline(true)
+                                   ? MakeFilename(remoteFolder, L"", sensor.GetSensorAddress().GetHostname())
+                                   : localFolder;
+    const std::wstring tuneFile =
+        sensor.SelectFile(kTuneKind, start, 0, title, PXLoadCString(IDS_FILTER_TUNE), L"tun");
+    if (tuneFile.empty() || tuneFile == L"Cancel")
+        return;
+    CTuneReportsDlg dialog(&sensor, tuneFile, DialogParent());
+    dialog.SetWindowText(title);
+    dialog.DoModal();
 }

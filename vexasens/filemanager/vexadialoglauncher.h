@@ -12,10 +12,12 @@ public:
     // folder (made when missing), the instrument pane at "/". The argument and flags are not used.
     bool ManageFiles(VEXASensorObject& sensor, const std::wstring& argument, int kind, uint32_t flags,
                      std::wstring* result) override;
-    // Not yet in this build: both say so and answer as a cancelled dialog.
+    // Not yet in this build: says so and answers as a cancelled dialog.
     bool SelectFile(VEXASensorObject& sensor, int kind, const std::wstring& start, uint32_t flags,
                     const std::wstring& title, const std::wstring& filter,
                     const std::wstring& defaultExtension, std::wstring* result) override;
+    // Asks for a tune file (the instrument's tune folder when on line) and runs the tune reports dialog
+    // on it, titled `title`.
     void ShowTuneReports(VEXASensorObject& sensor, const std::wstring& title) override;
 
     // The window the module's dialogs open over: the application's active window, if any.

@@ -74,7 +74,14 @@
 #define IDS_REPLAY_FAILED 10394
 #define IDS_OVERWRITE_TARGET 10395
 #define IDS_INVALID_NAME 10396
-#define IDS_TUNE_REPORTS_NOT_AVAILABLE 10397
+
+// ---- string table: the tune reports dialog's own texts ----
+#define IDS_TUNE_REPORT_UNREADABLE 10430
+#define IDS_TUNE_REPORT_SAVE_FAILED 10431
+#define IDS_TUNE_TEXT_SAVE_FAILED 10432
+#define IDS_TUNE_FILE_SAVE_FAILED 10433
+#define IDS_TUNE_MANUAL_FAILED 10434
+#define IDS_TUNE_PRINT_FAILED 10435
 
 // ---- string table: file manager menu prompts, backup, file dialogs, methods, tune reports ----
 #define IDS_MENU_OPEN_PROMPT 39500
@@ -141,6 +148,18 @@
 #define IDC_RENAME_NEW_NAME 16813
 #define IDD_EDIT_TEXT 1741
 #define IDC_EDIT_TEXT 16849
+
+// ---- dialog template 1030: tune reports ----
+#define IDD_TUNE_REPORTS 1030
+#define IDC_TUNE_PRINT 10467
+#define IDC_TUNE_SAVE_TEXT 10468
+#define IDC_TUNE_REMOVE_REPORT 10469
+#define IDC_TUNE_REPORT_LIST 10470
+#define IDC_TUNE_FILE_LABEL 10471
+#define IDC_TUNE_SAVE_TUNE 10472
+#define IDC_TUNE_REMOVE_OLD 10473
+#define IDC_TUNE_DAYS 10474
+#define IDC_TUNE_REPORT_TEXT 16829
 
 // ---- dialog template 1701: Manage Files ----
 #define IDD_VEXA_FILE 1701
