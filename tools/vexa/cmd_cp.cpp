@@ -2,6 +2,7 @@
 // through the folder list's copy and the copy job.
 #include "cmd_filesupport.h"
 
+#include "linksensor.h"
 #include "paths.h"
 #include "remotename.h"
 #include "systemaccess.h"
@@ -9,12 +10,45 @@
 #include "vexasensorobject.h"
 
 #include <iostream>
+#include <optional>
+#include <thread>
 
 namespace {
+
+constexpr int kMaxJobs = 16;
 
 struct CpArgs {
     std::string from, to, overwrite;
     bool recursive = false;
+    int jobs = 1;
+};
+
+// One link to the instrument and the share of the copy that travels over it. Every file costs the
+// instrument's wait after it, so several links at once move many small files faster.
+struct Lane {
+    std::unique_ptr<CliSession> ownSession; // lanes after the first link to the instrument again
+    VEXASensorObject* fromSensor = nullptr;
+    VEXASensorObject* toSensor = nullptr;
+    std::unique_ptr<CVexaFileList> source, destination;
+    std::unique_ptr<CopyJob> job;
+
+    // The instrument side's sensor, which this lane's files must use; null when no side is one.
+    VEXASensorObject* LinkSensor() const { return fromSensor ? fromSensor : toSensor; }
+};
+
+// A lane's progress goes to the one terminal line; the totals and the end belong to the whole copy.
+class LaneProgress : public ICopyProgress {
+public:
+    explicit LaneProgress(ICopyProgress& shared) : m_shared(shared) {}
+    void SetCurrentFile(const std::wstring& name) override { m_shared.SetCurrentFile(name); }
+    void SetFileSize(int64_t bytes) override { m_shared.SetFileSize(bytes); }
+    void AddBytes(int64_t bytes) override { m_shared.AddBytes(bytes); }
+    bool IsCancelled() const override { return m_shared.IsCancelled(); }
+    void SetDone() override {}
+    void SetTotal(int64_t, int) override {}
+
+private:
+    ICopyProgress& m_shared;
 };
 
 std::wstring WithoutTrailingSlash(std::wstring path) {
@@ -59,6 +93,132 @@ bool IsFolderName(const std::wstring& name, bool* exists) {
     return *exists && IsFolderEntry(entry);
 }
 
+// Makes `count` lanes between the two folders: the first over the sensors already linked, each other
+// one over a new link to the instrument side. False with the exit code when a folder cannot be read
+// or a link cannot be had.
+bool MakeLanes(const CliContext& ctx, const CpArgs& args, const FileOperand& from, const FileOperand& to,
+               const std::wstring& fromFolder, const std::wstring& target, VEXASensorObject* fromSensor,
+               VEXASensorObject* toSensor, int count, std::vector<Lane>* lanes, int* exitCode) {
+    const std::wstring& host = from.IsRemote() ? from.host : to.host;
+    for (int i = 0; i < count; ++i) {
+        Lane lane;
+        lane.fromSensor = fromSensor;
+        lane.toSensor = toSensor;
+        if (i > 0) {
+            lane.ownSession = std::make_unique<CliSession>();
+            int error = 0;
+            if (!lane.ownSession->Connect(host, &error)) {
+                PrintError(ctx, Narrow(host) + ": cannot open link " + std::to_string(i + 1), error);
+                *exitCode = kExitUnreachable;
+                return false;
+            }
+            (from.IsRemote() ? lane.fromSensor : lane.toSensor) = lane.ownSession->Sensor();
+        }
+        // The lists read their folders over this lane's own link.
+        std::optional<LinkSensorOverride> link;
+        if (lane.LinkSensor())
+            link.emplace(lane.LinkSensor());
+        lane.source = std::make_unique<CVexaFileList>(lane.fromSensor,
+                                                      CVexaFileList::FolderArgument(from.host, fromFolder));
+        if (lane.source->LastError() != 0) {
+            PrintFileError(ctx, "cp " + args.from, lane.source->LastError(), lane.source->LastErrorText());
+            *exitCode = ExitCodeFor(lane.source->LastError());
+            return false;
+        }
+        lane.destination =
+            std::make_unique<CVexaFileList>(lane.toSensor, CVexaFileList::FolderArgument(to.host, target));
+        lane.job = std::make_unique<CopyJob>(*lane.source, *lane.destination);
+        lanes->push_back(std::move(lane));
+    }
+    return true;
+}
+
+// Deals the source's entries out to the lanes in turn (a folder goes whole to one lane) and builds each
+// lane's job; every overwrite question is asked here, before anything is copied.
+CopyJob::BuildResult BuildLanes(std::vector<Lane>& lanes, const OverwriteQuestion& ask) {
+    std::vector<std::vector<FileInfo>> shares(lanes.size());
+    size_t next = 0;
+    for (const FileInfo& entry : lanes[0].source->Entries())
+        if (entry.name != L"." && entry.name != L"..")
+            shares[next++ % lanes.size()].push_back(entry);
+    bool ready = false;
+    for (size_t i = 0; i < lanes.size(); ++i) {
+        std::optional<LinkSensorOverride> link;
+        if (lanes[i].LinkSensor())
+            link.emplace(lanes[i].LinkSensor());
+        switch (shares[i].empty() ? CopyJob::BuildResult::kNothingToCopy
+                                  : lanes[i].job->Build(shares[i], CSystemAccess::Accessible(0), ask)) {
+        case CopyJob::BuildResult::kCancelled:
+            return CopyJob::BuildResult::kCancelled;
+        case CopyJob::BuildResult::kNothingToCopy:
+            lanes[i].job.reset();
+            break;
+        case CopyJob::BuildResult::kReady:
+            ready = true;
+            break;
+        }
+    }
+    return ready ? CopyJob::BuildResult::kReady : CopyJob::BuildResult::kNothingToCopy;
+}
+
+// Runs the lanes' jobs at once, each on a thread of its own over its own link (the first on this one).
+void RunLanes(std::vector<Lane>& lanes, ICopyProgress& progress) {
+    int64_t bytes = 0;
+    int files = 0;
+    for (const Lane& lane : lanes) {
+        if (lane.job) {
+            bytes += lane.job->TotalBytes();
+            files += lane.job->FileCount();
+        }
+    }
+    progress.SetTotal(bytes, files);
+    const auto run = [&progress](Lane& lane) {
+        std::optional<LinkSensorOverride> link;
+        if (lane.LinkSensor())
+            link.emplace(lane.LinkSensor());
+        LaneProgress share(progress);
+        lane.job->Run(&share);
+    };
+    std::vector<std::thread> threads;
+    for (size_t i = 1; i < lanes.size(); ++i)
+        if (lanes[i].job)
+            threads.emplace_back(run, std::ref(lanes[i]));
+    if (lanes[0].job)
+        run(lanes[0]);
+    for (std::thread& thread : threads)
+        thread.join();
+    progress.SetDone();
+}
+
+// Prints the failures of every lane; the exit code of the whole copy.
+int ReportLanes(const CliContext& ctx, const CpArgs& args, const std::vector<Lane>& lanes,
+                const std::wstring& targetName) {
+    int code = kExitOk;
+    int copied = 0, files = 0;
+    bool cancelled = false, complete = true;
+    for (const Lane& lane : lanes) {
+        if (!lane.job)
+            continue;
+        for (const CopyJob::Failure& failure : lane.job->Failures()) {
+            PrintFileError(ctx, "cp " + Narrow(failure.name), failure.error, failure.text);
+            code = std::max(code, ExitCodeFor(failure.error));
+        }
+        copied += lane.job->CopiedCount();
+        files += lane.job->FileCount();
+        cancelled = cancelled || lane.job->WasCancelled();
+        complete = complete && !lane.job->WasCancelled() && lane.job->Failures().empty();
+    }
+    if (cancelled) {
+        PrintError(ctx, "cp " + args.from + ": cancelled after " + std::to_string(copied) + " files", 0);
+        return kExitFailed;
+    }
+    if (ctx.options.verbose)
+        std::cerr << "vexa: cp " << args.from << " -> " << Narrow(targetName) << ": " << copied << " of "
+                  << files << " files copied over " << lanes.size()
+                  << (lanes.size() == 1 ? " link\n" : " links\n");
+    return complete ? kExitOk : std::max(code, int(kExitFailed));
+}
+
 int CopyTree(CliContext& ctx, const CpArgs& args, const FileOperand& from, const FileOperand& to,
              HostSessions& sessions) {
     VEXASensorObject* fromSensor = nullptr;
@@ -92,15 +252,13 @@ int CopyTree(CliContext& ctx, const CpArgs& args, const FileOperand& from, const
         return ExitCodeFor(FileInfo::LastError());
     }
 
-    CVexaFileList source(fromSensor, CVexaFileList::FolderArgument(from.host, fromFolder));
-    if (source.LastError() != 0) {
-        PrintFileError(ctx, "cp " + args.from, source.LastError(), source.LastErrorText());
-        return ExitCodeFor(source.LastError());
-    }
-    CVexaFileList destination(toSensor, CVexaFileList::FolderArgument(to.host, target));
+    // Lanes share one instrument side; between two instruments the copy keeps to one link.
+    const int lanes = from.IsRemote() != to.IsRemote() ? args.jobs : 1;
+    std::vector<Lane> made;
+    if (!MakeLanes(ctx, args, from, to, fromFolder, target, fromSensor, toSensor, lanes, &made, &exitCode))
+        return exitCode;
     OverwritePolicy overwrite(ctx, args.overwrite);
-    CopyJob job(source, destination);
-    switch (job.Build(source.Entries(), CSystemAccess::Accessible(0), overwrite.AsQuestion())) {
+    switch (BuildLanes(made, overwrite.AsQuestion())) {
     case CopyJob::BuildResult::kCancelled:
         if (!overwrite.Refused())
             PrintError(ctx, "cp " + args.from + ": cancelled, nothing copied", 0);
@@ -114,25 +272,11 @@ int CopyTree(CliContext& ctx, const CpArgs& args, const FileOperand& from, const
     }
 
     InterruptGuard interrupts;
-    bool complete = false;
     {
         TerminalProgress progress(ctx);
-        complete = job.Run(&progress);
+        RunLanes(made, progress);
     }
-    int code = kExitOk;
-    for (const CopyJob::Failure& failure : job.Failures()) {
-        PrintFileError(ctx, "cp " + Narrow(failure.name), failure.error, failure.text);
-        code = std::max(code, ExitCodeFor(failure.error));
-    }
-    if (job.WasCancelled()) {
-        PrintError(
-            ctx, "cp " + args.from + ": cancelled after " + std::to_string(job.CopiedCount()) + " files", 0);
-        return kExitFailed;
-    }
-    if (ctx.options.verbose)
-        std::cerr << "vexa: cp " << args.from << " -> " << Narrow(targetName) << ": " << job.CopiedCount()
-                  << " of " << job.FileCount() << " files copied over the link\n";
-    return complete ? kExitOk : std::max(code, int(kExitFailed));
+    return ReportLanes(ctx, args, made, targetName);
 }
 
 int RunCp(CliContext& ctx, const CpArgs& args) {
@@ -168,6 +312,10 @@ void AddCpCommand(CLI::App& app, CliContext& ctx) {
     cmd->add_option("--overwrite", args->overwrite,
                     "Replace existing files without asking (yes) or keep them (no)")
         ->check(CLI::IsMember({"yes", "no"}));
+    cmd->add_option("--jobs", args->jobs,
+                    "With -r: copy over this many links to the instrument at once (each file still waits "
+                    "0.5 s after it)")
+        ->check(CLI::Range(1, kMaxJobs));
     cmd->add_option("SRC", args->from, "A file or folder: local, or @HOST:/PATH")->required();
     cmd->add_option("DST", args->to, "Where to: an existing folder, or the new name")->required();
     cmd->callback([&ctx, args] { ctx.exitCode = RunCp(ctx, *args); });

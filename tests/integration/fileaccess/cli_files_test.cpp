@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <set>
+#include <thread>
 
 namespace {
 
@@ -150,6 +152,40 @@ TEST_F(CliFiles, CopyTreesBothWays) {
     EXPECT_EQ(ReadWholeFile(m_pc.file("down/a2.mth")), "method a");
 }
 
+// Several links at once: each carries its share of the files, and every file arrives whole.
+TEST_F(CliFiles, CopyTreesOverSeveralLinks) {
+    for (int i = 0; i < 7; ++i)
+        m_root.createFile("Data/Many/f" + std::to_string(i) + ".txt", RandomBytes(3000 + i, unsigned(i)));
+    m_root.createFile("Data/Many/Sub/s.txt", "s");
+    // Links that said hello and ended (the simulator's start-up probe never says hello).
+    const auto linksServed = [this] {
+        const std::string log = m_sim->log();
+        const auto count = [&log](const std::string& text) {
+            int n = 0;
+            for (size_t at = 0; (at = log.find(text, at)) != std::string::npos; ++at)
+                ++n;
+            return n;
+        };
+        return count("connection closed") - count("closed before the hello");
+    };
+    ProcessResult r = RunVexa({"cp", "-r", "--jobs", "3", Remote("/Data/Many"), m_pc.file("down")});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    // Each link comes with its command channel: three links are six connections, whose ends the
+    // simulator notes on its own threads.
+    for (int i = 0; i < 100 && linksServed() < 6; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(linksServed(), 6) << m_sim->log();
+    r = RunVexa({"cp", "-r", "--jobs", "3", m_pc.file("down"), Remote("/Data/Back")});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    for (const std::string name : {"f0.txt", "f3.txt", "f6.txt", "Sub/s.txt"}) {
+        EXPECT_EQ(ReadWholeFile(m_pc.file("down/" + name)), ReadWholeFile(Instrument("/Data/Many/" + name)))
+            << name;
+        EXPECT_EQ(ReadWholeFile(Instrument("/Data/Back/" + name)),
+                  ReadWholeFile(Instrument("/Data/Many/" + name)))
+            << name;
+    }
+}
+
 TEST_F(CliFiles, FolderCommandsAndTheirStatuses) {
     EXPECT_EQ(RunVexa({"mkdir", Remote("/Data/New")}).exitCode, 0);
     EXPECT_TRUE(FileExists(Instrument("/Data/New")));
@@ -203,6 +239,8 @@ TEST_F(CliFiles, ExitCodesForUsageAndUnreachableInstruments) {
         {{"get", "/tmp/x", "/tmp/y"}, 2},
         {{"put", Remote("/Data/a.mth"), "/tmp/y"}, 2},
         {{"ls"}, 2},
+        {{"cp", "-r", "--jobs", "0", Remote("/Data"), "/tmp/y"}, 2},
+        {{"cp", "-r", "--jobs", "17", Remote("/Data"), "/tmp/y"}, 2},
         {{"get", Remote("/Data/none"), "/tmp/"}, 1},
     };
     for (const Case& c : cases) {
