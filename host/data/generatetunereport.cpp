@@ -51,7 +51,7 @@ void AddSettings(std::vector<std::wstring>& lines, const VexaTuneSection& tune) 
 int AddMassTable(std::vector<std::wstring>& lines, const VexaTuneReportSection& report,
                  const VexaTuneSection& tune) {
     lines.push_back(L"Mass table");
-    lines.push_back(L"   Mass   Target %  Measured %  Limits %         Width  Limits       Result");
+    lines.push_back(L"   Mass  Target %  Measured %  Limits %         Width  Limits       Result");
     int passed = 0;
     for (const VexaTuneMass& target : tune.masses) {
         const double low = target.abundance * (1 - kTuneAbundanceTolerance);
