@@ -18,7 +18,7 @@ bool ReadNumber(const json& value, const char* key, double* out) {
 
 } // namespace
 
-std::string OtherKeys(const json& value, std::initializer_list<const char*> known) {
+json OtherKeys(const json& value, std::initializer_list<const char*> known) {
     json other = json::object();
     for (const auto& [key, item] : value.items()) {
         bool isKnown = false;
@@ -27,14 +27,13 @@ std::string OtherKeys(const json& value, std::initializer_list<const char*> know
         if (!isKnown)
             other[key] = item;
     }
-    return other.dump();
+    return other;
 }
 
-void MergeOtherKeys(json& value, const std::string& other) {
-    const json keys = json::parse(other, nullptr, false);
-    if (!keys.is_object())
+void MergeOtherKeys(json& value, const json& other) {
+    if (!other.is_object())
         return;
-    for (const auto& [key, item] : keys.items()) {
+    for (const auto& [key, item] : other.items()) {
         if (!value.contains(key))
             value[key] = item;
     }

@@ -39,6 +39,6 @@ private:
     std::wstring m_lastErrorText;
     VexaTuneSection m_section;
     std::wstring m_sensorMethod;
-    std::string m_otherKeys = "{}";
-    std::string m_otherParameters = "{}";
+    nlohmann::json m_otherKeys = nlohmann::json::object();
+    nlohmann::json m_otherParameters = nlohmann::json::object();
 };

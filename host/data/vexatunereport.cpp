@@ -103,7 +103,7 @@ bool VexaTuneReport::Save() {
 void VexaTuneReport::Close() {
     m_file.Close();
     m_sections.Clear();
-    m_otherKeys = "{}";
+    m_otherKeys = json::object();
     m_lastError = 0;
     m_lastErrorText.clear();
 }

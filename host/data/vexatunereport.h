@@ -45,5 +45,5 @@ private:
     int m_lastError = 0;
     std::wstring m_lastErrorText;
     VexaTuneReportSections_ m_sections;
-    std::string m_otherKeys = "{}";
+    nlohmann::json m_otherKeys = nlohmann::json::object();
 };

@@ -18,8 +18,8 @@ struct VexaTuneReportSection {
     int64_t time = 0; // microseconds since 1970-01-01 UTC (signed)
     std::wstring instrument;
     VexaTuneSection tune;
-    std::vector<VexaTuneResult> results; // by mass, ascending
-    std::string otherKeys = "{}";        // keys this version does not know, as JSON text
+    std::vector<VexaTuneResult> results;                 // by mass, ascending
+    nlohmann::json otherKeys = nlohmann::json::object(); // keys this version does not know
 };
 
 class VexaTuneReportSections_ {

@@ -2,6 +2,8 @@
 // The tune settings of a tune file or of one tune report: the calibrant, the ion source's settings
 // and the calibrant's masses with their target abundance (percent of the base peak) and peak width
 // (amu). Keys this version does not know are kept, so a newer file survives being saved by it.
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -19,10 +21,10 @@ public:
     double repeller = 0;        // V
     std::vector<VexaTuneMass> masses;
 
-    // The other keys of the section's JSON object, as JSON text ("{}" when none).
-    const std::string& OtherKeys() const { return m_otherKeys; }
-    void SetOtherKeys(std::string json) { m_otherKeys = std::move(json); }
+    // The other keys of the section's JSON object.
+    const nlohmann::json& OtherKeys() const { return m_otherKeys; }
+    void SetOtherKeys(nlohmann::json keys) { m_otherKeys = std::move(keys); }
 
 private:
-    std::string m_otherKeys = "{}";
+    nlohmann::json m_otherKeys = nlohmann::json::object();
 };
