@@ -1,6 +1,7 @@
 // The tune reports dialog over a report file on the workstation: listing, showing, removing, pruning,
 // saving and printing, with every question answered by a ScriptedPrompt.
 #include "fakechannel.h"
+#include "margin.h"
 #include "pdfpages.h"
 #include "pdfprinter.h"
 #include "pxsettings.h"
@@ -352,4 +353,30 @@ TEST_F(TuneReportsDialogTest, OkWritesTheDaysAndCancelDoesNot) {
     }
     auto dialog = Open();
     EXPECT_EQ(dialog->GetDlgItemText(IDC_TUNE_DAYS), L"12");
+}
+
+TEST_F(TuneReportsDialogTest, MarginsComeFromTheSettingsWithTheirDefaults) {
+    CPXSettings settings;
+    for (const wchar_t* key : {L"TopMargin", L"BottomMargin", L"LeftMargin", L"RightMargin", L"MarginUnit"})
+        settings.Remove(L"Tune", key);
+    Margin margin = CTuneReportsDlg::ReadMargin();
+    EXPECT_EQ(margin.top, 1.0f);
+    EXPECT_EQ(margin.bottom, 1.0f);
+    EXPECT_EQ(margin.left, 1.25f);
+    EXPECT_EQ(margin.right, 1.25f);
+    EXPECT_EQ(margin.unit, 0);
+
+    settings.SetString(L"Tune", L"TopMargin", L"2.5");
+    settings.SetString(L"Tune", L"BottomMargin", L"0.5");
+    settings.SetString(L"Tune", L"LeftMargin", L"3");
+    settings.SetString(L"Tune", L"RightMargin", L"wide"); // unreadable: the default
+    settings.SetInt(L"Tune", L"MarginUnit", 1);
+    margin = CTuneReportsDlg::ReadMargin();
+    EXPECT_EQ(margin.top, 2.5f);
+    EXPECT_EQ(margin.bottom, 0.5f);
+    EXPECT_EQ(margin.left, 3.0f);
+    EXPECT_EQ(margin.right, 1.25f);
+    EXPECT_EQ(margin.unit, 1);
+    for (const wchar_t* key : {L"TopMargin", L"BottomMargin", L"LeftMargin", L"RightMargin", L"MarginUnit"})
+        settings.Remove(L"Tune", key);
 }
