@@ -459,7 +459,7 @@ void ISensorObject::PollDevice() {
     std::wstring answer;
     int error = 0;
     if (!channel->Command(L"status", &answer, &error)) {
-        if (error != kWsaWouldBlock) // "busy" is no reason to go off line
+        if (error != kWsaWouldBlock)     // "busy" is no reason to go off line
             Disconnect(uint32_t(error)); // the off-line event then says why
         return;
     }
@@ -508,7 +508,7 @@ std::wstring ISensorObject::SelectFile(int, const std::wstring&, uint32_t, const
                                        const std::wstring&, const std::wstring&) {
     return {};
 }
-std::wstring ISensorObject::SelectFileForKind(int, const std::wstring&, uint32_t) {
+std::wstring ISensorObject::SelectFileForKind(int, const std::wstring&, uint32_t, const std::wstring&) {
     return {};
 }
 std::wstring ISensorObject::ManageFiles(const std::wstring&, int, uint32_t) {

@@ -54,7 +54,9 @@ public:
     virtual std::wstring SelectFile(int kind, const std::wstring& start, uint32_t flags,
                                     const std::wstring& title, const std::wstring& filter,
                                     const std::wstring& defaultExtension);
-    virtual std::wstring SelectFileForKind(int kind, const std::wstring& start, uint32_t flags);
+    // The kind's own filter and extension; `title` empty keeps the dialog's own.
+    virtual std::wstring SelectFileForKind(int kind, const std::wstring& start, uint32_t flags,
+                                           const std::wstring& title = {});
     virtual std::wstring ManageFiles(const std::wstring& argument, int kind, uint32_t flags);
     virtual void FileListRequest(const std::wstring& path, uint32_t flags, void* context,
                                  std::vector<std::wstring>* names);

@@ -494,6 +494,12 @@ void StudioWindow::RunTool(int toolIndex) {
     case Kind::RanByModule:
     case Kind::ManageFilesClosed:
     case Kind::Tuned:
+    case Kind::FileChosen:
+    case Kind::SelectionCancelled:
+    case Kind::MethodStarted:
+        break;
+    case Kind::MethodFailed:
+        Message(outcome.message);
         break;
     case Kind::ManageFilesUnavailable:
         statusBar()->showMessage(outcome.message, kMessageTimeoutMs);

@@ -9,6 +9,8 @@ enum ToolCategory : int {
 };
 
 // Indexes within a category that the studio acts on.
+inline constexpr int kToolIndexDataReview = 0;  // in kToolCategoryFiles
 inline constexpr int kToolIndexManageFiles = 1; // in kToolCategoryFiles
+inline constexpr int kToolIndexRunMethod = 10;  // in kToolCategoryRun
 inline constexpr int kToolIndexStatus = 3;      // in kToolCategoryStatus
 inline constexpr int kToolIndexTune = 7;        // in kToolCategoryRun

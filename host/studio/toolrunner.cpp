@@ -1,6 +1,7 @@
 #include "toolrunner.h"
 
 #include "dialogwatcher.h"
+#include "remotename.h"
 #include "sensorinfo.h"
 #include "sensorobject.h"
 #include "toolcategory.h"
@@ -13,6 +14,19 @@ namespace {
 QString Tr(const char* text) {
     return QCoreApplication::translate("ToolRunner", text);
 }
+
+// The sensor folder kinds the tools ask for, and SelectFile's flags.
+constexpr int kFolderKindMethods = 1;
+constexpr int kFolderKindData = 4;
+constexpr uint32_t kSelectInstrumentOnly = 0x20;
+constexpr uint32_t kSelectReturnCancel = 0x40;
+const std::wstring kCancelled = L"Cancel";
+
+bool WorksOnSensor(const SensorTool& tool) {
+    return (tool.category == kToolCategoryFiles &&
+            (tool.index == kToolIndexManageFiles || tool.index == kToolIndexDataReview)) ||
+           (tool.category == kToolCategoryRun && tool.index == kToolIndexRunMethod);
+}
 } // namespace
 
 ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor) {
@@ -24,23 +38,15 @@ ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& t
         return {Kind::RanByModule,
                 Tr("Ran the tool %1 (category %2, index %3).").arg(name).arg(tool.category).arg(tool.index)};
     }
-    if (tool.category == kToolCategoryFiles && tool.index == kToolIndexManageFiles) {
+    if (WorksOnSensor(tool)) {
         if (!sensor)
             return {Kind::NeedsInstrument,
                     Tr("%1 works on an instrument: select one in the list first.").arg(name)};
-        DialogWatcher watcher;
-        const QString chosen = QString::fromStdWString(sensor->ManageFiles(L"", 0, 0));
-        const QString sensorName = QString::fromStdWString(sensor->GetName());
-        if (!chosen.isEmpty())
-            return {Kind::ManageFilesClosed,
-                    Tr("%1 on %2 closed; chosen file: %3.").arg(name, sensorName, chosen)};
-        if (watcher.SawDialog())
-            return {Kind::ManageFilesClosed, Tr("%1 on %2 closed.").arg(name, sensorName)};
-        return {
-            Kind::ManageFilesUnavailable,
-            Tr("The %1 dialog is not available in this build of the %2 module (the sensor answered without "
-               "opening it).")
-                .arg(name, QString::fromStdWString(sensorType.ShortName()))};
+        if (tool.category == kToolCategoryRun)
+            return RunMethod(name, *sensor);
+        if (tool.index == kToolIndexDataReview)
+            return ReviewData(name, *sensor);
+        return ManageFiles(sensorType, name, *sensor);
     }
     if (tool.category == kToolCategoryRun && tool.index == kToolIndexTune)
         return RunTune(name, sensor);
@@ -69,4 +75,58 @@ ToolRunner::Outcome ToolRunner::RunTune(const QString& toolName, ISensorObject* 
     sensor->ShowTuneReports();
     return {Kind::Tuned,
             Tr("%1 tuned; its report was added to the reports of its tune file.").arg(sensorName)};
+}
+
+ToolRunner::Outcome ToolRunner::ManageFiles(ISensorInfo& sensorType, const QString& name,
+                                            ISensorObject& sensor) {
+    using Kind = Outcome::Kind;
+    DialogWatcher watcher;
+    const QString chosen = QString::fromStdWString(sensor.ManageFiles(L"", 0, 0));
+    const QString sensorName = QString::fromStdWString(sensor.GetName());
+    if (!chosen.isEmpty())
+        return {Kind::ManageFilesClosed,
+                Tr("%1 on %2 closed; chosen file: %3.").arg(name, sensorName, chosen)};
+    if (watcher.SawDialog())
+        return {Kind::ManageFilesClosed, Tr("%1 on %2 closed.").arg(name, sensorName)};
+    return {Kind::ManageFilesUnavailable,
+            Tr("The %1 dialog is not available in this build of the %2 module (the sensor answered without "
+               "opening it).")
+                .arg(name, QString::fromStdWString(sensorType.ShortName()))};
+}
+
+// A data file from either side, as Manage Files' Open gives one.
+ToolRunner::Outcome ToolRunner::ReviewData(const QString& name, ISensorObject& sensor) {
+    using Kind = Outcome::Kind;
+    const std::wstring chosen =
+        sensor.SelectFileForKind(kFolderKindData, L"", kSelectReturnCancel, name.toStdWString());
+    const QString sensorName = QString::fromStdWString(sensor.GetName());
+    if (chosen.empty() || chosen == kCancelled)
+        return {Kind::SelectionCancelled, Tr("%1 on %2: no file chosen.").arg(name, sensorName)};
+    return {Kind::FileChosen,
+            Tr("%1 on %2; chosen file: %3.").arg(name, sensorName, QString::fromStdWString(chosen))};
+}
+
+// A method on the instrument, started there.
+ToolRunner::Outcome ToolRunner::RunMethod(const QString& name, ISensorObject& sensor) {
+    using Kind = Outcome::Kind;
+    const QString sensorName = QString::fromStdWString(sensor.GetName());
+    if (!sensor.IsOnline())
+        return {Kind::NeedsInstrument,
+                Tr("%1 runs a method on the instrument: take %2 on line first.").arg(name, sensorName)};
+    // Without a start name the instrument side opens at the kind's folder.
+    const std::wstring chosen = sensor.SelectFileForKind(
+        kFolderKindMethods, L"", kSelectInstrumentOnly | kSelectReturnCancel, name.toStdWString());
+    if (chosen.empty() || chosen == kCancelled)
+        return {Kind::SelectionCancelled, Tr("%1 on %2: no method chosen.").arg(name, sensorName)};
+    std::wstring path;
+    if (!SplitRemoteName(chosen, nullptr, &path))
+        return {Kind::MethodFailed, Tr("%1 on %2: %3 is not on the instrument; choose a method there.")
+                                        .arg(name, sensorName, QString::fromStdWString(chosen))};
+    VexaDevice device(sensor.GetDevice(L"VEXA"));
+    if (!device.runMethod(L"\"" + path + L"\""))
+        return {Kind::MethodFailed, Tr("%1 on %2: the instrument did not start %3: error %4.")
+                                        .arg(name, sensorName, QString::fromStdWString(path),
+                                             QString::fromStdWString(DescribeError(device.getLastError())))};
+    return {Kind::MethodStarted,
+            Tr("%1 on %2: the instrument runs %3.").arg(name, sensorName, QString::fromStdWString(path))};
 }

@@ -1,8 +1,9 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
-// (category 6031), Manage Files opens the selected sensor's file manager, Status shows the status
-// panel, Tune tunes the selected instrument and shows its tune reports; the remaining host features
-// are outside the studio and say so.
+// (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
+// for a data file, Run Method asks for a method on the instrument and starts it there, Status shows the
+// status panel, Tune tunes the selected instrument and shows its tune reports; the remaining host
+// features are outside the studio and say so.
 #include <QString>
 
 class ISensorInfo;
@@ -16,6 +17,10 @@ public:
             RanByModule,            // the sensor type's RunTool ran it
             ManageFilesClosed,      // the Manage Files dialog ran and was closed
             ManageFilesUnavailable, // the module answered without a dialog
+            FileChosen,             // Data Review: a file was chosen
+            SelectionCancelled,     // the file selection was cancelled (or the module has no dialog)
+            MethodStarted,          // Run Method: the instrument runs the chosen method
+            MethodFailed,           // Run Method: nothing chosen on the instrument, or it refused
             ShowStatus,             // the window should show the status panel
             Tuned,                  // the instrument tuned and its reports were shown
             TuneFailed,             // the instrument could not tune (off line, refused)
@@ -31,4 +36,7 @@ public:
 
 private:
     static Outcome RunTune(const QString& toolName, ISensorObject* sensor);
+    static Outcome ManageFiles(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
+    static Outcome ReviewData(const QString& name, ISensorObject& sensor);
+    static Outcome RunMethod(const QString& name, ISensorObject& sensor);
 };

@@ -125,6 +125,14 @@ bool CPXDriveBox::IsInstrumentSelected() const {
     return index >= 0 && itemData(index, kInstrumentRole).toBool();
 }
 
+bool CPXDriveBox::SelectInstrument() {
+    const int index = InstrumentIndex();
+    if (index < 0)
+        return false;
+    setCurrentIndex(index);
+    return true;
+}
+
 bool CPXDriveBox::SelectDrive(const std::wstring& path) {
     const QString target = QString::fromStdWString(path);
     int best = -1;

@@ -26,6 +26,8 @@ public:
     // The selected root; empty when the instrument entry (or nothing) is selected.
     std::wstring GetCurDrive() const;
     bool IsInstrumentSelected() const;
+    // Selects the instrument's entry; false when there is none.
+    bool SelectInstrument();
     // Selects the root that holds `path` (the longest one that is a prefix of it at a folder boundary).
     // False, and the selection unchanged, when no root holds it.
     bool SelectDrive(const std::wstring& path);

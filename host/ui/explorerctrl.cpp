@@ -104,6 +104,11 @@ int CPXExplorerCtrl::AddItem(const std::wstring& name, const QString& size, cons
     return GetItemCount() - 1;
 }
 
+void CPXExplorerCtrl::ResizeColumns() {
+    for (int column = 0; column < columnCount(); ++column)
+        resizeColumnToContents(column);
+}
+
 std::wstring CPXExplorerCtrl::GetItemText(int row, int column) const {
     const QTreeWidgetItem* item = topLevelItem(row);
     return item ? item->text(column).toStdWString() : std::wstring();

@@ -44,6 +44,8 @@ public:
     int AddItem(const std::wstring& name, const QString& size, const QString& date, bool folder,
                 qintptr data);
     int GetItemCount() const { return topLevelItemCount(); }
+    // Fits the columns to their contents after a fill.
+    void ResizeColumns();
     std::wstring GetItemText(int row, int column = kColumnName) const;
     qintptr GetItemData(int row) const;
 

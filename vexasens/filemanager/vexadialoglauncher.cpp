@@ -1,24 +1,15 @@
 #include "vexadialoglauncher.h"
 
 #include "paths.h"
-#include "prompt.h"
 #include "pxresource.h"
 #include "remotename.h"
 #include "resource.h"
 #include "tunereportsdlg.h"
 #include "vexafiledlg.h"
+#include "vexafileselectdlg.h"
 #include "vexasensorobject.h"
 
 #include <QApplication>
-
-namespace {
-
-void SayNotAvailable(int textId) {
-    Prompt().Message(PXLoadCString(textId), PXLoadCString(IDS_LOCATION_INSTRUMENT), PromptIcon::Information,
-                     CVexaDialogLauncher::DialogParent());
-}
-
-} // namespace
 
 QWidget* CVexaDialogLauncher::DialogParent() {
     return QApplication::activeWindow();
@@ -44,11 +35,24 @@ bool CVexaDialogLauncher::ManageFiles(VEXASensorObject& sensor, const std::wstri
     return true;
 }
 
-bool CVexaDialogLauncher::SelectFile(VEXASensorObject&, int, const std::wstring&, uint32_t,
-                                     const std::wstring&, const std::wstring&, const std::wstring&,
-                                     std::wstring*) {
-    SayNotAvailable(IDS_SELECT_FILE_NOT_AVAILABLE);
-    return false;
+bool CVexaDialogLauncher::SelectFile(VEXASensorObject& sensor, int kind, const std::wstring& start,
+                                     uint32_t flags, const std::wstring& title, const std::wstring& filter,
+                                     const std::wstring& defaultExtension, std::wstring* result) {
+    // The kind's folders are where each side opens when the start name does not say.
+    std::wstring localFolder, remoteFolder;
+    if (kind >= 0 && sensor.GetFolderInfo(unsigned(kind), &localFolder, &remoteFolder, nullptr, nullptr) &&
+        !localFolder.empty() && !IsDirectory(localFolder))
+        FullDirCreate(localFolder);
+
+    CVexaFileSelectDlg dialog(sensor, flags, filter, title, start, DialogParent());
+    dialog.SetDefaultFolders(localFolder, remoteFolder);
+    dialog.SetManageFilesKind(kind < 0 ? 0 : kind);
+    dialog.SetDefaultExtension(defaultExtension);
+    if (dialog.DoModal() != IDOK)
+        return false;
+    if (result)
+        *result = dialog.GetPathName();
+    return true;
 }
 
 void CVexaDialogLauncher::ShowTuneReports(VEXASensorObject& sensor, const std::wstring& title) {

@@ -12,7 +12,8 @@ public:
     // folder (made when missing), the instrument pane at "/". The argument and flags are not used.
     bool ManageFiles(VEXASensorObject& sensor, const std::wstring& argument, int kind, uint32_t flags,
                      std::wstring* result) override;
-    // Not yet in this build: says so and answers as a cancelled dialog.
+    // Runs the file selection dialog modally on the sensor: each side opens at the kind's folder unless
+    // the start name names one (the workstation folder is made when missing).
     bool SelectFile(VEXASensorObject& sensor, int kind, const std::wstring& start, uint32_t flags,
                     const std::wstring& title, const std::wstring& filter,
                     const std::wstring& defaultExtension, std::wstring* result) override;

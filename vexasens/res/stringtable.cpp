@@ -68,8 +68,6 @@ const PXStringEntry kStrings[] = {
     {IDS_LOCATION_INSTRUMENT, L"VEXARON"},
     {IDS_LOCATION_PC, L"PC"},
     {IDS_BACKUP_NOT_AVAILABLE, L"Backups of the instrument are not yet available in this build."},
-    {IDS_SELECT_FILE_NOT_AVAILABLE,
-     L"The file selection dialog is not yet available in this build of the module."},
     {IDS_FILE_DESCRIPTION, L"%1!s! \x2014 %2!s! \x2014 %3!s!"},
     {IDS_FILE_DESC_TEXT, L"Text or configuration file"},
     {IDS_FILE_DESC_OTHER, L"File"},
@@ -85,6 +83,11 @@ const PXStringEntry kStrings[] = {
     {IDS_TUNE_MANUAL_FAILED, L"The instrument did not take %1!s! as its tune file: error %2!s!."},
     {IDS_TUNE_PRINT_FAILED, L"The report could not be printed."},
     {IDS_INVALID_NAME, L"\"%1!s!\" cannot be the name of a file or folder: %2!s!."},
+
+    // The file selection dialog's own texts (1041x), also this module's additions.
+    {IDS_SELECT_ERROR_DETAIL, L"Error %1!s!."},
+    {IDS_SELECT_MKDIR_FAILED, L"Could not create the folder %1!s!."},
+    {IDS_SELECT_INSTRUMENT_DRIVE, L"%1!s! (%2!s!)"},
 
     {IDS_MENU_OPEN_PROMPT,
      L"Shows the contents of the selected folder or opens the selected file for review"},

@@ -78,11 +78,12 @@ std::wstring VEXASensorObject::SelectFile(int kind, const std::wstring& start, u
     return (flags & kSelectFileCancelFlag) ? L"Cancel" : L"";
 }
 
-std::wstring VEXASensorObject::SelectFileForKind(int kind, const std::wstring& start, uint32_t flags) {
+std::wstring VEXASensorObject::SelectFileForKind(int kind, const std::wstring& start, uint32_t flags,
+                                                 const std::wstring& title) {
     std::wstring filter, extension;
     if (kind < 0 || !GetFolderInfo(unsigned(kind), nullptr, nullptr, &filter, &extension))
         return {};
-    return SelectFile(kind, start, flags, L"", filter, extension);
+    return SelectFile(kind, start, flags, title, filter, extension);
 }
 
 std::wstring VEXASensorObject::ManageFiles(const std::wstring& argument, int kind, uint32_t flags) {

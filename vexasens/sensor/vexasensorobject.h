@@ -19,7 +19,8 @@ public:
     std::wstring GetLocalPath(const std::wstring& instrumentName) override;
     std::wstring SelectFile(int kind, const std::wstring& start, uint32_t flags, const std::wstring& title,
                             const std::wstring& filter, const std::wstring& defaultExtension) override;
-    std::wstring SelectFileForKind(int kind, const std::wstring& start, uint32_t flags) override;
+    std::wstring SelectFileForKind(int kind, const std::wstring& start, uint32_t flags,
+                                   const std::wstring& title = {}) override;
     std::wstring ManageFiles(const std::wstring& argument, int kind, uint32_t flags) override;
     void FileListRequest(const std::wstring& path, uint32_t flags, void* context,
                          std::vector<std::wstring>* names) override;

@@ -36,7 +36,7 @@ QStringList Messages(const ScriptedPrompt& prompt) {
 
 TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
-    for (const char* name : {"Data Review", "Run Method", "Method Editor", "Service Module"}) {
+    for (const char* name : {"Method Editor", "Service Module"}) {
         SCOPED_TRACE(name);
         ScriptedPrompt prompt;
         window.RunTool(ToolRow(window, name));
@@ -46,6 +46,47 @@ TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
         EXPECT_TRUE(messages[0].contains("VEXA Studio does not provide it"));
         EXPECT_TRUE(LogText().contains(messages[0]));
     }
+}
+
+TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
+    SimulatorProcess simulator(CopyOfDemoTree());
+    const QString address = QString::fromStdString(simulator.address());
+    StudioWindow& window = StartStudio(BuiltPluginDir(), {address});
+    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
+    window.SelectRow(0);
+    // The module's file selection dialog (template 1704): the instrument radio 16816, the name 16821.
+    auto chooseOnInstrument = [](const wchar_t* name) {
+        return [name](CDialog_& dialog) {
+            dialog.PressButton(16816);
+            dialog.SetDlgItemText(16821, name);
+            return IDOK;
+        };
+    };
+    struct Case {
+        const char* tool;
+        const wchar_t* name;
+        QString logged;
+    };
+    const Case cases[] = {
+        {"Data Review", L"run1.vxs", "chosen file: @" + address + ":/Data/run1.vxs."},
+        {"Run Method", L"Default.mth", "the instrument runs /Method/Default.mth."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.tool);
+        ScriptedPrompt prompt;
+        prompt.QueueDialog(chooseOnInstrument(c.name));
+        window.RunTool(ToolRow(window, c.tool));
+        const auto dialogs = prompt.Asked(ScriptedPrompt::Kind::Dialog);
+        ASSERT_EQ(dialogs.size(), 1u);
+        EXPECT_EQ(dialogs[0].templateId, 1704);
+        EXPECT_EQ(dialogs[0].text, QString(c.tool).toStdWString());
+        EXPECT_TRUE(LogText().contains(c.logged)) << LogText().toStdString();
+        EXPECT_TRUE(Messages(prompt).isEmpty());
+    }
+    // Cancelled: said in the log, nothing else.
+    ScriptedPrompt prompt;
+    window.RunTool(ToolRow(window, "Run Method"));
+    EXPECT_TRUE(LogText().contains("no method chosen")) << LogText().toStdString();
 }
 
 TEST_F(StudioTest, StatusToolShowsTheStatusPanel) {

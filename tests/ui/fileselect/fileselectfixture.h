@@ -1,0 +1,56 @@
+#pragma once
+// A simulated instrument serving a copy of the demo tree, a sensor (on line once StartInstrument ran), a
+// workstation folder, the module's dialog launcher, and the file selection dialog, shown (not modal) so
+// a case can drive it directly.
+#include "scriptedprompt.h"
+#include "simulator.h"
+#include "tempdir.h"
+#include "vexadialoglauncher.h"
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class CPXExplorerCtrl;
+class CVexaFileSelectDlg;
+class VEXASensorObject;
+
+class FileSelectTest : public ::testing::Test {
+protected:
+    FileSelectTest();
+    ~FileSelectTest() override;
+
+    // Starts the simulator and takes the sensor on line (`online` false: the sensor stays off line).
+    void StartInstrument(bool online = true);
+    static void SetAccess(const char* levels);
+    // The dialog, shown; OnInitDialog has run. The PC side's default folder is PcFolder().
+    CVexaFileSelectDlg& OpenDialog(uint32_t flags, const std::wstring& initialPath,
+                                   const std::wstring& filter = {});
+    // An instrument name on the simulator: "@HOST:" + path.
+    std::wstring Remote(const std::wstring& path) const;
+
+    std::string InstrumentPath(const std::string& relative) const {
+        return m_temp.file("instrument/" + relative);
+    }
+    std::string PcPath(const std::string& relative) const { return m_temp.file("pc/" + relative); }
+    std::wstring PcFolder() const { return Wide(m_temp.file("pc")); }
+    static std::wstring Wide(const std::string& text);
+
+    static int RowOf(CPXExplorerCtrl* view, const std::wstring& name);
+    static std::vector<std::wstring> Names(CPXExplorerCtrl* view);
+    std::vector<std::wstring> Messages() const;
+    static bool WaitFor(const std::function<bool()>& done, int ms = 3000) {
+        return QTest::qWaitFor(done, ms);
+    }
+
+    TempDir m_temp;
+    std::unique_ptr<SimulatorProcess> m_simulator;
+    VEXASensorObject* m_sensor = nullptr;
+    ScriptedPrompt m_prompt;
+    CVexaDialogLauncher m_launcher;
+    std::unique_ptr<CVexaFileSelectDlg> m_dialog;
+};
