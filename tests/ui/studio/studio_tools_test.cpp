@@ -1,6 +1,7 @@
 // What each of the sensor type's tools does in the studio.
 #include "studiofixture.h"
 
+#include "dialog.h"
 #include "logpane.h"
 #include "loopback.h"
 #include "managedinstrument.h"
