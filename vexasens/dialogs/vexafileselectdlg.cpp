@@ -174,7 +174,8 @@ void CVexaFileSelectDlg::FillFilters() {
 
 void CVexaFileSelectDlg::FillDriveBox() {
     m_driveBox->RemoveInstrument();
-    if (m_online)
+    // The drive box offers the instrument only where the radio does.
+    if (m_online && GetDlgItem(IDC_SELECT_INSTRUMENT)->isEnabled())
         m_driveBox->AddInstrument(FormatString(IDS_SELECT_INSTRUMENT_DRIVE,
                                                LoadString(IDS_LOCATION_INSTRUMENT).c_str(), m_host.c_str()));
 }
@@ -258,6 +259,10 @@ void CVexaFileSelectDlg::FillList() {
     m_folderText = SideFolder(m_side);
     SetDlgItemText(IDC_SELECT_FOLDER, m_folderText);
     SetDlgItemText(IDC_SELECT_DESCRIPTION, L"");
+    SyncDriveBox();
+}
+
+void CVexaFileSelectDlg::SyncDriveBox() {
     if (m_side == kPcSide)
         m_driveBox->SelectDrive(m_localFolder);
     else

@@ -96,6 +96,8 @@ private:
     // The instrument's listing with a fall-back to "/"; false when neither can be read.
     bool ReadInstrument(const std::wstring& folder);
     void FillList();
+    // Shows the checked side's drive (or the instrument) in the drive box.
+    void SyncDriveBox();
     void ShowSelection();
     void OnItemStateChanged(bool selected);
     void OnDriveChanged();

@@ -50,6 +50,7 @@ bool CVexaFileSelectDlg::SwitchSide(int side) {
     if (side == kInstrumentSide) {
         if (!m_online || !GetDlgItem(IDC_SELECT_INSTRUMENT)->isEnabled()) {
             SetRadios(m_side);
+            SyncDriveBox();
             return false;
         }
         if (!ReadInstrument(m_remoteFolder)) {
@@ -77,7 +78,7 @@ void CVexaFileSelectDlg::OnDriveChanged() {
     if (drive.empty())
         return;
     if (!GetDlgItem(IDC_SELECT_PC)->isEnabled()) {
-        FillList(); // puts the drive box back on the side that is shown
+        SyncDriveBox();
         return;
     }
     const int previousSide = m_side;

@@ -77,9 +77,10 @@ TEST_F(FileSelectTest, FlagsChooseTheRadiosOnAndOffLine) {
             EXPECT_EQ(Checked(dialog, IDC_SELECT_PC), !row.instrumentChecked);
             EXPECT_EQ(dialog.GetDlgItem(IDC_SELECT_PC)->isEnabled(), row.pcEnabled);
             EXPECT_EQ(dialog.GetDlgItem(IDC_SELECT_INSTRUMENT)->isEnabled(), row.instrumentEnabled);
-            // Off line the drive box offers no instrument either.
+            // The drive box offers the instrument only where the radio does.
             auto* drives = qobject_cast<CPXDriveBox*>(dialog.GetDlgItem(IDC_SELECT_DRIVES));
-            EXPECT_EQ(drives->HasInstrument(), online);
+            EXPECT_EQ(drives->HasInstrument(), row.instrumentEnabled);
+            EXPECT_EQ(drives->IsInstrumentSelected(), row.instrumentChecked);
         }
         m_dialog.reset();
         m_sensor->Disconnect(0);
