@@ -121,6 +121,7 @@ void CVexaFileSelectDlg::CreateList() {
         auto* list = new CPXExplorerCtrl(this);
         list->setProperty("ctrlId", IDC_SELECT_LIST);
         if (placeholder && layout()) {
+            list->setMinimumSize(placeholder->minimumSize());
             layout()->replaceWidget(placeholder, list);
             placeholder->hide();
         }
