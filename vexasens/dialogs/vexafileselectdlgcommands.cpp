@@ -210,8 +210,17 @@ std::wstring CVexaFileSelectDlg::FullName(const std::wstring& folder, const std:
 std::wstring CVexaFileSelectDlg::ChosenNames() const {
     const bool instrument = m_side == kInstrumentSide;
     const std::wstring folder = SideFolder(m_side);
-    if (m_fileName.size() < 2 || m_fileName.front() != L'"' || m_fileName.back() != L'"')
-        return IsRemoteFilename(m_fileName) ? m_fileName : FullName(folder, m_fileName, instrument);
+    if (m_fileName.size() < 2 || m_fileName.front() != L'"' || m_fileName.back() != L'"') {
+        // A full name typed by the user is taken as it stands.
+        const bool absolute =
+            !m_fileName.empty() && (m_fileName.front() == L'/' || m_fileName.front() == kNativeSeparator);
+        if (IsRemoteFilename(m_fileName) || (absolute && !instrument))
+            return m_fileName;
+        if (absolute)
+            return MakeFilename(JoinInstrumentPath(m_fileName, L".."),
+                                m_fileName.substr(m_fileName.rfind(L'/') + 1), m_host);
+        return FullName(folder, m_fileName, instrument);
+    }
     std::wstring result;
     size_t start = 0;
     while ((start = m_fileName.find(L'"', start)) != std::wstring::npos) {

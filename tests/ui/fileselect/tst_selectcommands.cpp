@@ -56,6 +56,20 @@ TEST_F(FileSelectTest, SelectFileReturnsTheChosenNameOrTheCancelValue) {
     m_prompt.QueueDialog(Choose(L"Local.tun"));
     EXPECT_EQ(m_sensor->SelectFileForKind(2, L"", 0), pcFolder + L"/Local.tun");
 
+    // A full name typed on either side is taken as it stands.
+    struct Typed {
+        std::wstring start, typed, chosen;
+    };
+    for (const Typed& typed : {Typed{Remote(L"/Data/"), L"/Method/Site.xmth", Remote(L"/Method/Site.xmth")},
+                               Typed{Remote(L"/Data/"), Remote(L"/Log/x.log"), Remote(L"/Log/x.log")},
+                               Typed{PcFolder(), L"/tmp/elsewhere.mth", L"/tmp/elsewhere.mth"}}) {
+        m_prompt.QueueDialog([&typed](CDialog_& dialog) {
+            dialog.SetDlgItemText(IDC_SELECT_FILE_NAME, typed.typed);
+            return IDOK;
+        });
+        EXPECT_EQ(m_sensor->SelectFileForKind(1, typed.start, 0), typed.chosen);
+    }
+
     for (uint32_t flags : {0x40u, 0x0u}) {
         m_prompt.QueueDialog([](CDialog_&) { return IDCANCEL; });
         EXPECT_EQ(m_sensor->SelectFileForKind(1, L"", flags), flags ? L"Cancel" : L"");
