@@ -62,7 +62,8 @@ CTuneReportsDlg::CTuneReportsDlg(ISensorObject* sensor, const std::wstring& tune
     SetupTemplate(form);
     m_list = qobject_cast<QListWidget*>(GetDlgItem(IDC_TUNE_REPORT_LIST));
     if (m_list)
-        connect(m_list, &QListWidget::currentRowChanged, this, [this] { ShowSelected(); });
+        // After the selection has changed: a click makes the entry current before it selects it.
+        connect(m_list, &QListWidget::itemSelectionChanged, this, [this] { ShowSelected(); });
     setMinimumSize(kMinimumSize);
     resize(820, 560);
     setSizeGripEnabled(true);

@@ -17,6 +17,7 @@
 #include <QGuiApplication>
 #include <QListWidget>
 #include <QPrinter>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -157,9 +158,14 @@ TEST_F(TuneReportsDialogTest, OpeningListsTheReportsAndShowsTheFirst) {
     EXPECT_EQ(dialog->GetDlgItem(IDC_TUNE_REPORT_TEXT)->font().family(), QStringLiteral("Courier"));
     EXPECT_TRUE(m_prompt.Asked().empty());
 
-    List(*dialog)->setCurrentRow(2);
+    // A click, as the operator selects: the report is shown and the buttons stay on.
+    QListWidget* list = List(*dialog);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(2)).center());
+    EXPECT_EQ(list->currentRow(), 2);
     EXPECT_NE(dialog->GetDlgItemText(IDC_TUNE_REPORT_TEXT).find(L"Repeller:         2.20 V"),
               std::wstring::npos);
+    for (int id : {IDC_TUNE_PRINT, IDC_TUNE_SAVE_TEXT, IDC_TUNE_REMOVE_REPORT, IDC_TUNE_SAVE_TUNE})
+        EXPECT_TRUE(dialog->GetDlgItem(id)->isEnabled()) << id;
     EXPECT_EQ(dialog->minimumSize(), QSize(560, 380));
 }
 
