@@ -4,6 +4,7 @@
 #include <ctime>
 #include <sstream>
 
+#include "backupservice.h"
 #include "instrumentstate.h"
 #include "tunerunner.h"
 #include "wireconstants.h"
@@ -83,8 +84,8 @@ std::string Hex(const std::vector<std::uint8_t>& bytes) {
 
 } // namespace
 
-CommandLanguage::CommandLanguage(InstrumentState& state, TuneRunner* tuner)
-    : m_state(state), m_tuner(tuner) {}
+CommandLanguage::CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner)
+    : m_state(state), m_backups(backups), m_tuner(tuner) {}
 
 Result CommandLanguage::Execute(const std::string& commandLine) {
     const std::vector<std::string> words = Words(commandLine);
@@ -181,8 +182,13 @@ Result CommandLanguage::TuneRun(const std::vector<std::string>& words) {
     return Result{0, outcome.text + "\n"};
 }
 
-Result CommandLanguage::Backup(const std::vector<std::string>&) {
-    return Refuse(kStatusUnsupported, "backup not available yet");
+// The answer only says whether the packing started; the outcome comes later as an event.
+Result CommandLanguage::Backup(const std::vector<std::string>& words) {
+    std::string problem;
+    const std::uint32_t status = m_backups.Start({words.begin() + 1, words.end()}, &problem);
+    if (status != 0)
+        return Refuse(status, problem);
+    return Result{0, "ok"};
 }
 
 Result CommandLanguage::Echo(const std::string& commandLine) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+class BackupService;
 class InstrumentState;
 class TuneRunner;
 
@@ -17,7 +18,7 @@ public:
     };
 
     // Without a tune runner `tune run` is refused.
-    explicit CommandLanguage(InstrumentState& state, TuneRunner* tuner = nullptr);
+    CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner = nullptr);
 
     Result Execute(const std::string& commandLine);
 
@@ -34,5 +35,6 @@ private:
     Result Uname(const std::vector<std::string>& words);
 
     InstrumentState& m_state;
+    BackupService& m_backups;
     TuneRunner* m_tuner;
 };

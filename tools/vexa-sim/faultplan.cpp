@@ -18,8 +18,8 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
     const std::string value = equals == std::string::npos ? std::string() : fault.substr(equals + 1);
     const bool hasValue = equals != std::string::npos;
 
-    if (name == "oversize" && !hasValue) {
-        oversize = true;
+    if (!hasValue && (name == "oversize" || name == "backup-abort" || name == "backup-hang")) {
+        (name == "oversize" ? oversize : name == "backup-abort" ? backupAbort : backupHang) = true;
         return true;
     }
     std::size_t count = 0;
@@ -37,6 +37,8 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
         replyStatus = static_cast<std::uint32_t>(count);
     } else if (name == "drop-after-frames") {
         dropAfterFrames = count;
+    } else if (name == "backup-slow" && count <= 60000) {
+        backupSlowMilliseconds = static_cast<unsigned>(count);
     } else {
         *problem = "unknown or malformed fault \"" + fault + "\"";
         return false;
@@ -46,7 +48,7 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
 
 bool FaultPlan::empty() const {
     return !stallAfterBytes && !trickleMilliseconds && !closeMidFrameBytes && !oversize && !replyStatus &&
-           !dropAfterFrames;
+           !dropAfterFrames && !backupAbort && !backupHang && backupSlowMilliseconds == 0;
 }
 
 std::string FaultPlan::Describe() const {
@@ -64,5 +66,11 @@ std::string FaultPlan::Describe() const {
         add("reply-status=" + std::to_string(*replyStatus));
     if (dropAfterFrames)
         add("drop-after-frames=" + std::to_string(*dropAfterFrames));
+    if (backupAbort)
+        add("backup-abort");
+    if (backupHang)
+        add("backup-hang");
+    if (backupSlowMilliseconds > 0)
+        add("backup-slow=" + std::to_string(backupSlowMilliseconds));
     return text;
 }

@@ -6,8 +6,11 @@
 //   oversize             data frames announce a payload length of 70000
 //   reply-status=S       answer every request with a reply of status S
 //   drop-after-frames=N  close the connection after N frames sent
-// The command language (request command 8) is exempt, so status polling on the instrument's second
-// connection keeps working while the file service misbehaves.
+//   backup-abort         the next backup fails after packing one file ("aborted")
+//   backup-hang          the next backup never ends and never notifies
+//   backup-slow=MS       every backup waits MS ms after each entry it packs
+// The command language (request command 8) is exempt from the file-service faults, so status polling
+// on the instrument's second connection keeps working while the file service misbehaves.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -29,4 +32,7 @@ public:
     bool oversize = false;
     std::optional<std::uint32_t> replyStatus;
     std::optional<std::size_t> dropAfterFrames;
+    bool backupAbort = false;
+    bool backupHang = false;
+    unsigned backupSlowMilliseconds = 0;
 };

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <unistd.h>
 
+#include "backupservice.h"
 #include "commandlanguage.h"
 #include "deviceprofile.h"
 #include "fileservice.h"
@@ -71,7 +72,8 @@ int main(int argc, char** argv) {
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
     TuneRunner tuner(paths, state);
-    CommandLanguage commands(state, &tuner);
+    BackupService backups(paths, state, options.faults);
+    CommandLanguage commands(state, backups, &tuner);
     SimServer server(SimServices{files, commands, options.faults, log, options.replyDelayMs});
 
     int wakeRead = -1;

@@ -74,5 +74,6 @@ std::string SimOptions::Usage() {
            "  --reply-delay MS  answer every request MS milliseconds late (a slow network)\n"
            "  --fault FAULT  stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
            "                 reply-status=S | drop-after-frames=N\n"
-           "                 (repeatable; applies to the file service, not to commands)\n";
+           "                 (repeatable; applies to the file service, not to commands)\n"
+           "                 backup-abort | backup-hang | backup-slow=MS (the instrument's backup)\n";
 }

@@ -86,7 +86,6 @@ TEST_F(CommandLanguageTest, CommandsAnswerOrRefuseAsTheInstrumentDoes) {
     const Case cases[] = {
         {"frobnicate", true, "unknown command"},
         {"", true, "unknown command"},
-        {"backup", true, "backup not available yet"},
         {"param get 5 0 0", true, nullptr},
         {"param set 5 0 abc", true, nullptr},
         {"param get x 0 4", true, nullptr},
