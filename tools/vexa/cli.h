@@ -73,3 +73,4 @@ void AddRmdirCommand(CLI::App& app, CliContext& ctx);
 void AddMkdirCommand(CLI::App& app, CliContext& ctx);
 void AddMvCommand(CLI::App& app, CliContext& ctx);
 void AddRunCommand(CLI::App& app, CliContext& ctx);
+void AddBackupCommand(CLI::App& app, CliContext& ctx);

@@ -9,9 +9,9 @@
 
 std::vector<AddCommand> CliCommands() {
     return {
-        AddPingCommand,  AddNextNameCommand, AddStatusCommand, AddLsCommand, AddStatCommand,
-        AddGetCommand,   AddPutCommand,      AddCpCommand,     AddRmCommand, AddRmdirCommand,
-        AddMkdirCommand, AddMvCommand,       AddRunCommand,
+        AddPingCommand,  AddNextNameCommand, AddStatusCommand, AddLsCommand,     AddStatCommand,
+        AddGetCommand,   AddPutCommand,      AddCpCommand,     AddRmCommand,     AddRmdirCommand,
+        AddMkdirCommand, AddMvCommand,       AddRunCommand,    AddBackupCommand,
     };
 }
 
