@@ -3,6 +3,7 @@
 // commands behind the buttons are in vexafiledlgcommands.cpp.
 #include "vexafiledlg.h"
 
+#include "backupdlg.h"
 #include "copyjob.h"
 #include "drivebox.h"
 #include "explorerctrl.h"
@@ -16,6 +17,7 @@
 #include "sensorobject.h"
 #include "systemaccess.h"
 #include "ui_dialog1701.h"
+#include "vexabackup.h"
 #include "vexadevice.h"
 #include "vexafiledescription.h"
 #include "vexafilekinds.h"
@@ -87,6 +89,7 @@ CVexaFileDlg::CVexaFileDlg(ISensorObject& sensor, QWidget* parent)
     auto* showHidden = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_H), this);
     connect(showHidden, &QShortcut::activated, this, [this] { ShowHiddenEntries(); });
     SetFileListBusyHook(ShowListingBusy);
+    m_backupDlg = std::make_unique<CBackupDlg>(this);
 }
 
 CVexaFileDlg::~CVexaFileDlg() {
@@ -610,20 +613,24 @@ void CVexaFileDlg::customEvent(QEvent* event) {
 }
 
 void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text) {
-    if (code < 1 || !m_remoteList || !m_localList)
+    const VexaBackup::Notification what = VexaBackup::Classify(code, text);
+    if (what == VexaBackup::Notification::Ignore || !m_remoteList || !m_localList)
         return;
     if (m_copying) {
         m_heldNotifications.emplace_back(code, text);
         return;
     }
-    // A backup's text names the finished archive; fetching it belongs to the backup, not in this build.
-    if (code == kSensorEventOffline || code == kSensorEventOnline) {
+    if (what == VexaBackup::Notification::StateChange) {
         m_online = m_sensor->GetSensorState() == kSensorOnline;
         m_host = m_sensor->GetSensorAddress().GetHostname();
         m_remoteList->SetValid(!m_host.empty());
         if (m_host.empty())
             m_online = false;
     }
+    if (what == VexaBackup::Notification::ArchiveReady)
+        FetchBackup(text);
+    // Whatever the notification said, a backup window still open has nothing more to wait for.
+    EndBackupWindow();
     // Both panes show what is there now, the instrument first.
     const std::wstring remoteFolder =
         m_remoteList->Folder().empty() ? m_remoteStartFolder : m_remoteList->Folder();

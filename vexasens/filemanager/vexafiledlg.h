@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+class CBackupDlg;
 class CPXDriveBox;
 class CPXExplorerCtrl;
 class CVexaFileList;
@@ -80,7 +81,10 @@ public:
     void OpenEntry(int pane, int row);
     void EditTextFile(int row);
     void StartReplay(int row);
+    // Asks, starts the instrument's backup of the selected instrument entries (or of everything) and
+    // shows the progress window until the instrument's notification ends it.
     void Backup(bool all);
+    CBackupDlg* BackupWindow() const { return m_backupDlg.get(); }
 
     // ---- context menu ----
     // Menu 1739 as the user would see it for a right click on `row` (-1: no row) of a pane.
@@ -134,6 +138,8 @@ private:
     void OnDriveChanged();
     void OnSpeedChanged();
     void OnSensorNotification(uint32_t code, const std::wstring& text);
+    void EndBackupWindow();
+    void FetchBackup(const std::wstring& archive);
     void BeginDrag(int pane, const QPoint& globalPos);
     void MoveDragImage();
     void EndDrag();
@@ -141,6 +147,7 @@ private:
     bool MayCopyDataFiles() const;
 
     WSensorObserver m_observer;
+    std::unique_ptr<CBackupDlg> m_backupDlg;
     std::unique_ptr<CVexaFileList> m_localList;
     std::unique_ptr<CVexaFileList> m_remoteList;
     ISensorObject* m_sensor;

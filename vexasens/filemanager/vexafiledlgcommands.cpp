@@ -1,5 +1,5 @@
 // The Manage Files dialog's commands: copy between the sides, delete, rename (by button, menu and in
-// place), new folder, open, the text editor, replay and backup.
+// place), new folder, open, the text editor and replay. The backup is in vexafiledlgbackup.cpp.
 //
 // A back-end call that fails inside Delete, Rename, New folder or Copy is not reported on its own: the
 // pane is read again and shows what is really there.
@@ -212,7 +212,7 @@ void CVexaFileDlg::OpenEntry(int pane, int row) {
     EndDialog(IDOK);
 }
 
-// ---- text editor, replay, backup ----
+// ---- text editor, replay ----
 
 void CVexaFileDlg::EditTextFile(int row) {
     const FileInfo* found = EntryAtRow(kRemotePane, row);
@@ -253,9 +253,4 @@ void CVexaFileDlg::StartReplay(int row) {
         Prompt().Message(
             FormatString(IDS_REPLAY_FAILED, path.c_str(), DescribeError(device.getLastError()).c_str()),
             windowTitle().toStdWString(), PromptIcon::Error, parentWidget());
-}
-
-void CVexaFileDlg::Backup(bool all) {
-    (void)all;
-    ShowMessage(LoadString(IDS_BACKUP_NOT_AVAILABLE), LoadString(IDS_BACKUP_TITLE));
 }

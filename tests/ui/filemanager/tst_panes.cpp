@@ -245,14 +245,15 @@ TEST_F(FileManagerTest, RunningMethodDisablesBothBackupButtons) {
     EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
 }
 
-TEST_F(FileManagerTest, IdleInstrumentEnablesBackupButtonsWhichSayTheyAreNotAvailable) {
+TEST_F(FileManagerTest, IdleInstrumentEnablesBackupAllWhichAsksFirst) {
     StartInstrument();
     CVexaFileDlg& dialog = OpenDialog();
     EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+    m_prompt.QueueYesNo(IDNO);
     ASSERT_TRUE(dialog.PressButton(IDC_FILEMGR_BACKUP_ALL));
-    const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
-    ASSERT_EQ(messages.size(), 1u);
-    EXPECT_NE(messages[0].text.find(L"not yet available"), std::wstring::npos);
+    const auto questions = m_prompt.Asked(ScriptedPrompt::Kind::YesNo);
+    ASSERT_EQ(questions.size(), 1u);
+    EXPECT_EQ(questions[0].caption, L"Backup");
 }
 
 TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
