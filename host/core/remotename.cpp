@@ -73,6 +73,12 @@ std::wstring JoinPath(const std::wstring& folder, const std::wstring& name, wcha
     return folder + separator + name;
 }
 
+bool IsPlainEntryName(const std::wstring& name) {
+    if (name.empty() || name == L"." || name == L"..")
+        return false;
+    return name.find_first_of(std::wstring_view(L"/\\\0", 3)) == std::wstring::npos;
+}
+
 std::wstring MakeFilename(const std::wstring& folder, const std::wstring& file, const std::wstring& host) {
     std::wstring path;
     if (file.empty() && !folder.empty() && folder.back() != L'/')

@@ -19,5 +19,10 @@ std::wstring MakeFilename(const std::wstring& folder, const std::wstring& file, 
 // Joins a folder and a name with the given separator, without doubling it.
 std::wstring JoinPath(const std::wstring& folder, const std::wstring& name, wchar_t separator);
 
+// Whether a name that another side listed is one plain entry of its folder: not empty, not "." or "..",
+// and without '/', '\\' or NUL. Only such a name may be joined onto a destination folder; any other
+// could lead out of it (an instrument's listing is not to be trusted that far).
+bool IsPlainEntryName(const std::wstring& name);
+
 // The name to connect to over FTP for a host: the setting FTP/HostMap/<host>, else the host itself.
 std::wstring get_actual_host(const std::wstring& host);

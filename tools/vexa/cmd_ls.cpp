@@ -1,7 +1,9 @@
 // vexa ls [--all] [--pattern GLOB] [--json] @HOST:/PATH: one instrument folder.
 #include "cmd_filesupport.h"
+#include "winsockerror.h"
 
 #include "vexafilelist.h"
+#include "vexasensorobject.h"
 #include "vxsfileinfoimpl.h"
 
 #include <algorithm>
@@ -45,6 +47,13 @@ int RunLs(CliContext& ctx, const LsArgs& args) {
     // The listing option: the instrument then shows its hidden entries too.
     if (!back.ReadSensorDir(folder.path, entries, Widen(args.pattern), args.all ? 1u : 0u))
         return PrintFolderError(ctx, "ls " + args.folder, back);
+    // A listing that the link cut short reads as complete to the back end: the link says otherwise.
+    if (!back.HasLink()) {
+        const int error = session.Sensor()->GetLastLinkError();
+        PrintError(ctx, "ls " + args.folder + ": the listing was cut short",
+                   error ? error : int(kWsaNotConn));
+        return kExitUnreachable;
+    }
     if (args.json || ctx.options.json) {
         nlohmann::ordered_json out = nlohmann::ordered_json::array();
         for (const FileInfo& entry : entries)

@@ -78,6 +78,16 @@ void VXSFileInfoImpl::StartOperation() {
     m_replyStatus = 0;
     m_replyText.clear();
     m_endOfData = false;
+    m_answerBytes = 0;
+}
+
+bool VXSFileInfoImpl::Overrun(uint32_t payloadLength) {
+    m_answerBytes += kFrameHeaderSize + uint64_t(payloadLength);
+    if (m_answerBytes <= kMaxAnswerBytes)
+        return false;
+    m_error = kErrTooLarge;
+    m_sensor->CloseLink();
+    return true;
 }
 
 void VXSFileInfoImpl::NoteReply(uint32_t status, const uint8_t* text, uint32_t size) {
@@ -107,6 +117,8 @@ bool VXSFileInfoImpl::WaitForStatus() {
     if (m_sensor->ReceiveBytes(m_frame, kStatusReplySize) != kStatusReplySize)
         return false;
     m_header = DecodeHeader(m_frame);
+    if (Overrun(m_header.length))
+        return false;
     const uint32_t status = GetU32(m_frame + kFrameHeaderSize);
     uint8_t* rest = m_frame + kStatusReplySize;
     const uint32_t restSize = m_header.length > 4 ? m_header.length - 4 : 0;
@@ -135,6 +147,8 @@ bool VXSFileInfoImpl::WaitForData(uint32_t id) {
         if (m_sensor->ReceiveBytes(m_frame, kFrameHeaderSize) != kFrameHeaderSize)
             return false;
         m_header = DecodeHeader(m_frame);
+        if (Overrun(m_header.length))
+            return false;
         if (m_header.length > uint32_t(kMaxPayload)) {
             m_error = kErrTooLarge;
             return false;

@@ -50,6 +50,11 @@ public:
     uint32_t LastReplyStatus() const { return m_replyStatus; }
     const std::wstring& LastReplyText() const { return m_replyText; }
 
+    // Bytes one answer may take on the link, about 120,000 directory records: a listing that runs past
+    // it is a lie or never ends. The operation fails with 34 and the link is closed, since the rest of
+    // the answer can no longer be told from the next one.
+    static constexpr uint64_t kMaxAnswerBytes = uint64_t(128) << 20;
+
     // The id the next request will use (module-wide counter, apart from the file transfer ids).
     static uint32_t PeekNextRequestId();
     // Seconds of the wire into the host's microseconds, rounded away from the truncation toward zero.
@@ -66,6 +71,7 @@ private:
     bool WaitForData(uint32_t id);
     void NoteReply(uint32_t status, const uint8_t* text, uint32_t size);
     void StartOperation();
+    bool Overrun(uint32_t payloadLength);
 
     int m_error = 0;
     uint32_t m_replyStatus = 0;
@@ -73,6 +79,7 @@ private:
     VEXASensorObject* m_sensor = nullptr;
     FrameHeader m_header;
     bool m_endOfData = false;
+    uint64_t m_answerBytes = 0; // received for the operation in progress, headers included
     uint8_t m_frame[kFrameHeaderSize + kMaxPayload];
     uint8_t m_scratch[kMaxPayload];
 };

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 
 namespace {
@@ -165,6 +166,17 @@ bool VXSStdioFileImpl::ReceiveFrame() {
         return false;
     }
     m_header = DecodeHeader(m_frame);
+    m_streamBytes += kFrameHeaderSize + uint64_t(m_header.length);
+    // Headers add about 1/2048 to the file's bytes; compressed frames are smaller than what they hold.
+    const uint64_t announced = uint32_t(m_fileLength);
+    if (m_streamBytes > announced + announced / 64 + kStreamSlack) {
+        m_error = EPROTO;
+        m_replyText = L"the instrument sent more than the file's announced length";
+        m_header.length = 0;
+        m_outOfStep = true;
+        m_sensor->CloseLink();
+        return false;
+    }
     if (m_header.length == 0)
         return true;
     if (m_header.length > uint32_t(kMaxPayload)) {

@@ -49,6 +49,10 @@ public:
 
     // Time given to the instrument after each file before the next request.
     static constexpr uint32_t kCloseWaitMs = 500;
+    // Bytes an instrument may send for one file beyond its announced length (frame headers, replies
+    // that are skipped). A stream that runs past this is a lie or never ends: the read fails with
+    // EPROTO and the link is closed, as its byte stream can no longer be followed.
+    static constexpr uint64_t kStreamSlack = 1 << 20;
 
 private:
     bool ParseMode(const std::wstring& mode);
@@ -71,9 +75,10 @@ private:
     bool m_writeOpened = false; // the open-for-writing request went out whole
     bool m_requestSent = false; // a request reached the link, so the instrument is owed the close wait
     bool m_closed = false;
-    bool m_broken = false;    // a frame failed: later reads fail rather than skip a hole
-    bool m_streaming = false; // the first data frame arrived: the rest follows on the link
-    bool m_outOfStep = false; // a frame was cut short: the link's byte stream cannot be trusted
+    bool m_broken = false;      // a frame failed: later reads fail rather than skip a hole
+    bool m_streaming = false;   // the first data frame arrived: the rest follows on the link
+    bool m_outOfStep = false;   // a frame was cut short: the link's byte stream cannot be trusted
+    uint64_t m_streamBytes = 0; // every byte received for this file, headers included
     uint32_t m_transferId = 0;
     // Header bytes directly followed by the payload, so a data frame leaves in one send.
     uint8_t m_frame[kFrameHeaderSize + kMaxPayload];

@@ -95,6 +95,11 @@ bool CopyJob::Fill(Node& node, const std::vector<FileInfo>& entries, int depth) 
     for (const FileInfo& entry : entries) {
         if (entry.name.empty() || entry.name == L"." || entry.name == L"..")
             continue;
+        // A listed name that is a path ("../x", "a/b", "/x") would lead out of the destination folder.
+        if (!IsPlainEntryName(entry.name)) {
+            Fail(node.source->FullName(entry), kErrInvalid, L"not a plain file name; not copied");
+            continue;
+        }
         // Left out without a word: the user may not see that such files exist.
         if (node.source->IsRemote() && !m_mayCopyDataFiles && IsInstrumentDataFileName(entry.name))
             continue;

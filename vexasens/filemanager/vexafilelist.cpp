@@ -119,6 +119,14 @@ bool CVexaFileList::Refresh() {
         TakeFileInfoError();
         return false;
     }
+    // A listing that the link cut short reads as complete to the back end: the link says otherwise,
+    // and a part of a folder must not pass for all of it (a copy of the tree would look complete).
+    if (IsRemote() && m_sensor && !m_sensor->IsLinkOpen()) {
+        m_entries.clear();
+        const int error = m_sensor->GetLastLinkError();
+        SetError(error ? error : int(kWsaNotConn), L"the listing was cut short");
+        return false;
+    }
     Sort();
     return true;
 }
@@ -249,6 +257,11 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         SetError(kErrInvalid);
         return false;
     }
+    // The names join onto folders: one that is a path could reach outside them.
+    if (!IsPlainEntryName(entry.name) || !IsPlainEntryName(name)) {
+        SetError(kErrInvalid, L"not a plain file name");
+        return false;
+    }
     if (IsFolderEntry(entry))
         return MakeFolder(name); // the contents are the copy job's business
 
@@ -288,6 +301,12 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         SetError(error, text);
         return false;
     };
+    // A remote source announces its length (32 bits on the wire; FTP may not know it, -1). A link
+    // stream that runs past it is cut off there with an error instead of filling the disk.
+    const std::wstring_view transport = in.TransportName();
+    const int announced = transport == L"local" ? -1 : in.GetLength();
+    const bool bounded = transport == L"link" || announced >= 0;
+    const int64_t limit = int64_t(uint32_t(announced));
     std::vector<char> block(kCopyBlockSize);
     int64_t copied = 0;
     for (;;) {
@@ -296,6 +315,9 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
             return abandon(sideError(in, source), in.GetErrorText());
         if (got == 0)
             break;
+        if (bounded && copied + got > limit)
+            return abandon(EFBIG, L"the source sent more than the " + std::to_wstring(limit) +
+                                      L" bytes it announced");
         if (out.Write(block.data(), got) != got)
             return abandon(sideError(out, *this), out.GetErrorText());
         copied += got;
@@ -308,9 +330,7 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
     // A remote source that ended early is no copy: a link that dropped (an instrument file whose request
     // never left reads as empty) or fewer bytes than the instrument announced at the open must not
     // replace the old file. Lengths are 32-bit on the wire, so only the low part is compared.
-    const std::wstring_view transport = in.TransportName();
     const bool linkLost = transport == L"link" && source.Sensor() && !source.Sensor()->IsLinkOpen();
-    const int announced = transport == L"local" ? -1 : in.GetLength();
     if (linkLost || (announced >= 0 && uint32_t(copied) != uint32_t(announced))) {
         const int error = linkLost ? sideError(in, source) : int(EIO);
         return abandon(error, linkLost ? std::wstring() : L"the source ended before its announced length");

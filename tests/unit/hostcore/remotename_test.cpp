@@ -67,6 +67,14 @@ TEST(RemoteName, MakeFilenameAndJoinPath) {
     EXPECT_EQ(JoinPath(L"C:\\x", L"y", L'\\'), L"C:\\x\\y");
 }
 
+TEST(RemoteName, OnlyPlainNamesJoinOntoAFolder) {
+    for (const wchar_t* plain : {L"run.vxs", L"RUN.VXS", L"...", L"..x", L"a b", L".hidden", L"@h:x"})
+        EXPECT_TRUE(IsPlainEntryName(plain)) << plain;
+    for (const std::wstring& path : std::initializer_list<std::wstring>{
+             L"", L".", L"..", L"../x", L"a/b", L"/abs", L"a\\b", L"dir/", std::wstring(L"a\0b", 3)})
+        EXPECT_FALSE(IsPlainEntryName(path)) << path.size();
+}
+
 TEST(RemoteName, ActualHostFromSettings) {
     TempDir dir;
     const std::string settings = dir.file("vexa.ini");
