@@ -16,6 +16,8 @@ public:
     const std::string& address() const { return m_address; }
     std::wstring host() const;
     bool running() const;
+    // The simulator's process id (for its memory use), -1 when it is not running.
+    int pid() const { return m_pid; }
     void stop();
     // Everything the simulator wrote to stderr so far (its --trace log when enabled).
     std::string log() const;

@@ -13,10 +13,13 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     auto client = Connect();
     struct Case {
         std::uint32_t command;
-        const char* first;
-        const char* second;
+        std::string first;
+        std::string second;
         std::uint16_t flags;
     };
+    std::string dots;
+    for (int i = 0; i < 400; ++i)
+        dots += "../";
     const Case cases[] = {
         {1, "..", "", 0x0100},
         {1, "/..", "", 0x0100},
@@ -40,10 +43,27 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
         // Absolute names are taken under the root: there is no /etc there.
         {3, "/etc/passwd", "", 0},
         {3, "//etc/passwd", "", 0},
+        // NUL bytes, backslashes, bytes that are no UTF-8, paths longer than the field.
+        {3, std::string("/../outside/secret.txt\0/hosts", 29), "", 0},
+        {3, "\\..\\outside\\secret.txt", "", 0},
+        {3, "/Data/..\\..\\outside/secret.txt", "", 0},
+        {3, "/Data/\xff\xfe/../../../outside/secret.txt", "", 0},
+        {3, dots + "outside/secret.txt", "", 0},
+        {3, "/Data/" + dots + "outside/secret.txt", "", 0},
+        {9, "/Data/../../outside/secret.txt", "", 0},
+        {1, "/Data/relative.vxs/../../../outside", "", 0x0100},
+        {1, "/Escape/../../outside", "", 0x0100},
+        {4, "/Data/../../outside", "", 0x0004},
+        {4, "/Escape/../../outside/secret.txt", "", 0},
+        {5, "/../outside/secret.txt", "/stolen.txt", 0},
+        {5, "/hosts", "/Escape/hosts", 0},
+        {5, "/Data/relative.vxs/../../outside/secret.txt", "/stolen2.txt", 0},
+        {7, "/Escape/../../outside/made", "", 0},
+        {7, std::string("/\0../outside/made", 17), "", 0},
     };
     std::uint32_t id = 0;
     for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.command) + " " + c.first + " " + c.second);
+        SCOPED_TRACE(std::to_string(c.command) + " " + c.first.substr(0, 80) + " " + c.second);
         const ReceivedFrame reply = Ask(*client, ++id, c.command, c.first, c.second, c.flags);
         EXPECT_EQ(reply.kind, 1);
         EXPECT_NE(reply.status(), 0u);
@@ -51,6 +71,12 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     // Uploads get no answer; the file simply never appears.
     ASSERT_TRUE(client->Upload(++id, "/../outside/written.txt", ToBytes("x")));
     ASSERT_TRUE(client->Upload(++id, "/Escape/written.txt", ToBytes("x")));
+    ASSERT_TRUE(client->Upload(++id, "/Data/relative.vxs", ToBytes("x")));
+    ASSERT_TRUE(client->Upload(++id, dots + "outside/written.txt", ToBytes("x")));
+    // The command language takes paths too; they name files to the instrument, never open them here.
+    for (const std::string command : {"method run \"/../outside/secret.txt\" -speed=2",
+                                      "tune manual 1 /../outside/secret.txt", "backup /../outside"})
+        Ask(*client, ++id, 8, command, {}, 0, 10);
     EXPECT_EQ(Ask(*client, ++id, 9, "/hosts").kind, 9); // both uploads were consumed
 
     EXPECT_EQ(ReadWholeFile(m_temp.file("outside/secret.txt")), "not for the instrument");
