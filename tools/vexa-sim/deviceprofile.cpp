@@ -108,8 +108,9 @@ bool DeviceProfile::LoadText(const std::string& text, std::string* problem) {
                                    {"carrierControlPres", &carrierControlPres}};
     for (const auto& [key, value] : document.items()) {
         bool good = true;
-        const IntegerKey* integer = std::find_if(std::begin(integers), std::end(integers),
-                                                 [&key](const IntegerKey& item) { return key == item.name; });
+        const IntegerKey* integer =
+            std::find_if(std::begin(integers), std::end(integers),
+                         [&name = key](const IntegerKey& item) { return name == item.name; });
         if (integer != std::end(integers)) {
             good = value.is_number_integer() || value.is_boolean();
             if (good)
