@@ -1,11 +1,27 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test (unit, integration, ui).
+#   ./test.sh [CTEST ARGS...]   the normal build in build/
+#   ./test.sh --sanitize        the unit and integration tests under ASan and UBSan, in build-asan/
+#   ./test.sh --fuzz [SECONDS]  every fuzz target for SECONDS each (default 10), in build-fuzz/
 set -euo pipefail
 cd "$(dirname "$0")"
 . scripts/common.sh
 
 vexa_install_missing
-vexa_build build
-
 export QT_QPA_PLATFORM=offscreen
-ctest --test-dir build --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
+
+case ${1:-} in
+--sanitize)
+    shift
+    vexa_build_sanitized build-asan
+    vexa_sanitizer_options
+    ctest --test-dir build-asan --output-on-failure -j"${VEXA_TEST_JOBS:-2}" -L 'unit|integration' "$@"
+    ;;
+--fuzz)
+    exec tests/fuzz/run.sh "${2:-10}"
+    ;;
+*)
+    vexa_build build
+    ctest --test-dir build --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
+    ;;
+esac
