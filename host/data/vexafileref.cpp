@@ -13,14 +13,13 @@ namespace {
 constexpr int kReadBlock = 16384;
 // Beside the target, so the rename stays on one file system (and on one instrument).
 constexpr wchar_t kTemporaryPrefix[] = L"___temp@@";
+constexpr wchar_t kBackupPrefix[] = L"___old@@";
 
-std::wstring TemporaryNameFor(const std::wstring& name) {
+std::wstring PrefixedName(const std::wstring& name, const wchar_t* prefix) {
     std::wstring folder, file, host;
-    const bool remote = ParseFilename(name, &folder, &file, &host);
-    if (remote)
-        return MakeFilename(folder, kTemporaryPrefix + file, host);
-    return folder.empty() ? kTemporaryPrefix + file
-                          : JoinPath(folder, kTemporaryPrefix + file, kNativeSeparator);
+    if (ParseFilename(name, &folder, &file, &host))
+        return MakeFilename(folder, prefix + file, host);
+    return folder.empty() ? prefix + file : JoinPath(folder, prefix + file, kNativeSeparator);
 }
 
 std::wstring Describe(const std::wstring& what, const std::wstring& name, int error,
@@ -131,38 +130,63 @@ bool VexaFileRef::Save(const std::wstring& name) {
     return true;
 }
 
+// An instrument takes an upload under a hidden name of its own and puts it in place only when it is
+// complete (both back ends), so a remote file is written under its name: a rename after the upload
+// would open a second window in which the link can drop. Nothing answers an upload, so the file is
+// read back to learn whether the instrument took it. A local file is written beside its name.
 bool VexaFileRef::WriteAll(const std::wstring& name, const std::string& bytes) {
-    const std::wstring temporary = TemporaryNameFor(name);
-    {
-        StdioFile file;
-        if (!file.Open(temporary, L"wb"))
-            return Fail(file.GetError(),
-                        Describe(L"Cannot write", name, file.GetError(), file.GetErrorText()));
-        const bool written =
-            file.Write(bytes.data(), static_cast<int>(bytes.size())) == static_cast<int>(bytes.size());
-        const int writeError = file.GetError();
-        const std::wstring writeText = file.GetErrorText();
-        if (!file.Close() || !written) {
-            const int error = written ? file.GetError() : (writeError != 0 ? writeError : kErrBadFile);
-            const std::wstring text = written ? file.GetErrorText() : writeText;
-            FileInfo::Delete(temporary);
-            return Fail(error, Describe(L"Cannot write", name, error, text));
-        }
+    const bool remote = IsRemoteFilename(name);
+    const std::wstring target = remote ? name : PrefixedName(name, kTemporaryPrefix);
+    StdioFile file;
+    if (!file.Open(target, L"wb"))
+        return Fail(file.GetError(), Describe(L"Cannot write", name, file.GetError(), file.GetErrorText()));
+    const bool written =
+        file.Write(bytes.data(), static_cast<int>(bytes.size())) == static_cast<int>(bytes.size());
+    const int writeError = file.GetError();
+    const std::wstring writeText = file.GetErrorText();
+    if (!file.Close() || !written) {
+        const int error = written ? file.GetError() : (writeError != 0 ? writeError : kErrBadFile);
+        const std::wstring text = written ? file.GetErrorText() : writeText;
+        if (!remote)
+            FileInfo::Delete(target);
+        return Fail(error, Describe(L"Cannot write", name, error, text));
     }
-    // The instrument never renames over an existing entry: the old file goes only once the new one is
-    // complete beside it.
+    return remote ? ReadsBack(name, bytes) : ReplaceWith(target, name);
+}
+
+bool VexaFileRef::ReadsBack(const std::wstring& name, const std::string& bytes) {
+    std::string stored;
+    if (!ReadAll(name, &stored))
+        return false;
+    if (stored != bytes)
+        return Fail(kErrBadFile, L"The instrument did not take the whole file " + name + L".");
+    return true;
+}
+
+// Where a rename does not replace an existing file (Windows), the old file steps aside under a backup
+// name first and comes back when the new one cannot take its place.
+bool VexaFileRef::ReplaceWith(const std::wstring& temporary, const std::wstring& name) {
     if (FileInfo::Rename(temporary, name))
         return true;
-    if (!FileInfo::Delete(name)) {
+    const std::wstring backup = PrefixedName(name, kBackupPrefix);
+    FileInfo::Delete(backup); // left by an earlier save that failed half-way
+    if (!FileInfo::Rename(name, backup)) {
         const int error = FileInfo::LastError() != 0 ? FileInfo::LastError() : kErrInvalid;
         const std::wstring text = FileInfo::LastErrorText();
         FileInfo::Delete(temporary);
         return Fail(error, Describe(L"Cannot replace", name, error, text));
     }
-    if (FileInfo::Rename(temporary, name))
+    if (FileInfo::Rename(temporary, name)) {
+        FileInfo::Delete(backup);
         return true;
-    // The old file is gone: the new content stays under the temporary name rather than being lost.
+    }
     const int error = FileInfo::LastError() != 0 ? FileInfo::LastError() : kErrInvalid;
-    return Fail(error,
-                Describe(L"Cannot rename " + temporary + L" to", name, error, FileInfo::LastErrorText()));
+    const std::wstring text = FileInfo::LastErrorText();
+    if (FileInfo::Rename(backup, name)) {
+        FileInfo::Delete(temporary);
+        return Fail(error, Describe(L"Cannot replace", name, error, text));
+    }
+    // Neither name could be put back: both contents stay, under names that say what they are.
+    return Fail(error, Describe(L"Cannot replace", name, error, text) + L" (old file kept as " + backup +
+                           L", new as " + temporary + L")");
 }

@@ -2,8 +2,9 @@
 // One file of the data library, local or on an instrument ("@HOST:PATH"), read whole into memory.
 // JSON files (methods, sequences, tunes, tune reports) are parsed into a document that the typed
 // classes read and change; data files (.vxs and the like) keep their bytes and offer the parameter
-// block that names the method of the run. Saving writes a temporary name beside the file and renames
-// it over the old one only when the whole file arrived, so a failed save never damages the old file.
+// block that names the method of the run. A save never damages the old file when it fails: a local
+// file is written under a temporary name beside it and renamed over it when complete; an instrument
+// does the same with every upload itself.
 //
 // Errors are values: every operation returns false on failure and keeps the error number (a file or
 // link error, or 22 for a file that is not in a known format) and a message for the user.
@@ -53,6 +54,8 @@ private:
     bool ReadAll(const std::wstring& name, std::string* bytes);
     bool Parse(const std::string& bytes);
     bool WriteAll(const std::wstring& name, const std::string& bytes);
+    bool ReplaceWith(const std::wstring& temporary, const std::wstring& name);
+    bool ReadsBack(const std::wstring& name, const std::string& bytes);
 
     std::wstring m_name;
     bool m_open = false;
