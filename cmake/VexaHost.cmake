@@ -3,14 +3,14 @@
 # Makes <target> a host program that can load sensor-type modules (*.sdll). The host's libraries are
 # linked whole and the program exports its symbols, so a module binds to the host's one copy of every
 # registry (sensor types, file back-end factories, string tables, settings) instead of bringing its
-# own. With UI the host's Qt library (vexahost_ui) is provided to modules as well.
+# own. With UI the host's Qt libraries (vexahost_ui, the method editors) are provided to modules as well.
 #
 # Modules themselves never link the host's libraries: see the VexaSens target in vexasens/.
 function(vexa_host_program target)
     cmake_parse_arguments(ARG "UI" "" "" ${ARGN})
     set(host_libraries vexahost_core vexahost_data)
     if(ARG_UI)
-        list(APPEND host_libraries vexahost_ui)
+        list(APPEND host_libraries vexahost_ui vexahost_methods)
     endif()
 
     target_link_libraries(${target} PRIVATE ${host_libraries} ${CMAKE_DL_LIBS})

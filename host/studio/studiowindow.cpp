@@ -17,11 +17,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QCursor>
 #include <QDir>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -497,6 +499,10 @@ void StudioWindow::RunTool(int toolIndex) {
     case Kind::FileChosen:
     case Kind::SelectionCancelled:
     case Kind::MethodStarted:
+    case Kind::HandedToModule:
+        break;
+    case Kind::ChooseMethodAction:
+        OfferMethodActions();
         break;
     case Kind::MethodFailed:
         Message(outcome.message);
@@ -516,6 +522,37 @@ void StudioWindow::RunTool(int toolIndex) {
         Message(outcome.message);
         break;
     }
+}
+
+// The menu pops up without a modal loop of its own, so the window (and a test) stays in charge.
+void StudioWindow::OfferMethodActions() {
+    if (!m_methodMenu) {
+        m_methodMenu = new QMenu(this);
+        using Action = ToolRunner::MethodAction;
+        const std::pair<QString, Action> actions[] = {{tr("New &Method"), Action::NewMethod},
+                                                      {tr("New &Sequence"), Action::NewSequence},
+                                                      {tr("&Open..."), Action::Open}};
+        for (const auto& [text, action] : actions)
+            connect(m_methodMenu->addAction(text), &QAction::triggered, this,
+                    [this, action = action] { RunMethodEditor(action); });
+    }
+    m_methodMenu->popup(QCursor::pos());
+}
+
+void StudioWindow::RunMethodEditor(ToolRunner::MethodAction action) {
+    ISensorInfo* type = m_tools->SensorType();
+    if (!type)
+        return;
+    const ManagedInstrument* instrument = m_sensors->At(SelectedRow());
+    ISensorObject* sensor = instrument ? instrument->Sensor() : nullptr;
+    if (sensor)
+        sensor->IncRef();
+    const ToolRunner::Outcome outcome = ToolRunner::RunMethodEditor(*type, action, sensor);
+    if (sensor)
+        sensor->DecRef();
+    m_log->Append(outcome.message);
+    if (outcome.kind == ToolRunner::Outcome::Kind::NeedsInstrument)
+        Message(outcome.message);
 }
 
 void StudioWindow::SaveInstruments() {

@@ -3,12 +3,14 @@
 // and its sensor type's tools on the right, the log at the bottom; menus to add, edit and remove
 // instruments and to take them on and off line. GUI thread only.
 #include "instrumentstore.h"
+#include "toolrunner.h"
 
 #include <QMainWindow>
 #include <QStringList>
 #include <QTimer>
 
 class CPXRegistry;
+class QMenu;
 class InstrumentListModel;
 class ISensorInfo;
 class LogPane;
@@ -42,6 +44,8 @@ public:
     QTableView* InstrumentTable() const { return m_table; }
     StatusPanel* Status() const { return m_status; }
     ToolListWidget* Tools() const { return m_tools; }
+    // The Method Editor tool's menu (null until the tool first ran).
+    QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
     QLabel* Banner() const { return m_banner; }
     QPushButton* OnlineButton() const { return m_onlineButton; }
@@ -56,11 +60,14 @@ public slots:
     void ToggleOnline();
     // Runs the tool at that position of the shown sensor type's tool list.
     void RunTool(int toolIndex);
+    // The method editor's actions (the Method Editor tool offers them in a menu).
+    void RunMethodEditor(ToolRunner::MethodAction action);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void OfferMethodActions();
     void BuildActions();
     void BuildMenus();
     QWidget* BuildCentralWidget();
@@ -95,6 +102,7 @@ private:
     StatusPanel* m_status = nullptr;
     QGroupBox* m_toolBox = nullptr;
     ToolListWidget* m_tools = nullptr;
+    QMenu* m_methodMenu = nullptr;
     LogPane* m_log = nullptr;
     QSplitter* m_mainSplitter = nullptr;
     QSplitter* m_topSplitter = nullptr;

@@ -1,9 +1,13 @@
 #include "toolrunner.h"
 
 #include "dialogwatcher.h"
+#include "filetype.h"
+#include "hostresource.h"
+#include "prompt.h"
 #include "remotename.h"
 #include "sensorinfo.h"
 #include "sensorobject.h"
+#include "text.h"
 #include "toolcategory.h"
 #include "vexadevice.h"
 #include "winsockerror.h"
@@ -21,6 +25,20 @@ constexpr int kFolderKindData = 4;
 constexpr uint32_t kSelectInstrumentOnly = 0x20;
 constexpr uint32_t kSelectReturnCancel = 0x40;
 const std::wstring kCancelled = L"Cancel";
+
+// File kinds of a sensor type's file types.
+constexpr int kFileKindData = 1;
+constexpr int kFileKindMethod = 2;
+constexpr int kFileKindTune = 4;
+
+int FileKind(const ISensorInfo& sensorType, const std::wstring& file) {
+    const std::wstring type = GetFileType(file);
+    for (const SensorFileType& fileType : sensorType.FileTypes()) {
+        if (EqualsNoCase(fileType.suffix, type))
+            return fileType.kind;
+    }
+    return 0;
+}
 
 bool WorksOnSensor(const SensorTool& tool) {
     return (tool.category == kToolCategoryFiles &&
@@ -45,11 +63,13 @@ ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& t
         if (tool.category == kToolCategoryRun)
             return RunMethod(name, *sensor);
         if (tool.index == kToolIndexDataReview)
-            return ReviewData(name, *sensor);
+            return ReviewData(sensorType, name, *sensor);
         return ManageFiles(sensorType, name, *sensor);
     }
     if (tool.category == kToolCategoryRun && tool.index == kToolIndexTune)
         return RunTune(name, sensor);
+    if (tool.category == kToolCategoryMethods)
+        return {Kind::ChooseMethodAction, Tr("%1: new method, new sequence or open.").arg(name)};
     if (tool.category == kToolCategoryStatus && tool.index == kToolIndexStatus)
         return {Kind::ShowStatus, Tr("Showing the status panel.")};
     return {Kind::OutOfScope,
@@ -83,9 +103,11 @@ ToolRunner::Outcome ToolRunner::ManageFiles(ISensorInfo& sensorType, const QStri
     DialogWatcher watcher;
     const QString chosen = QString::fromStdWString(sensor.ManageFiles(L"", 0, 0));
     const QString sensorName = QString::fromStdWString(sensor.GetName());
-    if (!chosen.isEmpty())
+    if (!chosen.isEmpty()) {
+        const Outcome handed = ReviewFile(sensorType, chosen.toStdWString());
         return {Kind::ManageFilesClosed,
-                Tr("%1 on %2 closed; chosen file: %3.").arg(name, sensorName, chosen)};
+                Tr("%1 on %2 closed; chosen file: %3. %4").arg(name, sensorName, chosen, handed.message)};
+    }
     if (watcher.SawDialog())
         return {Kind::ManageFilesClosed, Tr("%1 on %2 closed.").arg(name, sensorName)};
     return {Kind::ManageFilesUnavailable,
@@ -94,16 +116,18 @@ ToolRunner::Outcome ToolRunner::ManageFiles(ISensorInfo& sensorType, const QStri
                 .arg(name, QString::fromStdWString(sensorType.ShortName()))};
 }
 
-// A data file from either side, as Manage Files' Open gives one.
-ToolRunner::Outcome ToolRunner::ReviewData(const QString& name, ISensorObject& sensor) {
+// A data file from either side, as Manage Files' Open gives one, handed on.
+ToolRunner::Outcome ToolRunner::ReviewData(ISensorInfo& sensorType, const QString& name,
+                                           ISensorObject& sensor) {
     using Kind = Outcome::Kind;
     const std::wstring chosen =
         sensor.SelectFileForKind(kFolderKindData, L"", kSelectReturnCancel, name.toStdWString());
     const QString sensorName = QString::fromStdWString(sensor.GetName());
     if (chosen.empty() || chosen == kCancelled)
         return {Kind::SelectionCancelled, Tr("%1 on %2: no file chosen.").arg(name, sensorName)};
-    return {Kind::FileChosen,
-            Tr("%1 on %2; chosen file: %3.").arg(name, sensorName, QString::fromStdWString(chosen))};
+    const Outcome handed = ReviewFile(sensorType, chosen);
+    return {handed.kind, Tr("%1 on %2; chosen file: %3. %4")
+                             .arg(name, sensorName, QString::fromStdWString(chosen), handed.message)};
 }
 
 // A method on the instrument, started there.
@@ -129,4 +153,44 @@ ToolRunner::Outcome ToolRunner::RunMethod(const QString& name, ISensorObject& se
                                              QString::fromStdWString(DescribeError(device.getLastError())))};
     return {Kind::MethodStarted,
             Tr("%1 on %2: the instrument runs %3.").arg(name, sensorName, QString::fromStdWString(path))};
+}
+
+ToolRunner::Outcome ToolRunner::RunMethodEditor(ISensorInfo& sensorType, MethodAction action,
+                                                ISensorObject* sensor) {
+    using Kind = Outcome::Kind;
+    switch (action) {
+    case MethodAction::NewMethod:
+        sensorType.NewFile(L"mth");
+        return {Kind::HandedToModule, Tr("Method Editor: new method.")};
+    case MethodAction::NewSequence:
+        sensorType.NewFile(L"xmth");
+        return {Kind::HandedToModule, Tr("Method Editor: new method sequence.")};
+    case MethodAction::Open:
+        break;
+    }
+    if (!sensor)
+        return {Kind::NeedsInstrument,
+                Tr("Opening a method works on an instrument: select one in the list first.")};
+    const std::wstring chosen = sensor->SelectFileForKind(kFolderKindMethods, L"", kSelectReturnCancel, L"");
+    if (chosen.empty() || chosen == kCancelled)
+        return {Kind::SelectionCancelled, Tr("Method Editor: no file chosen.")};
+    sensorType.OpenFile(chosen);
+    return {Kind::HandedToModule, Tr("Method Editor: opened %1.").arg(QString::fromStdWString(chosen))};
+}
+
+ToolRunner::Outcome ToolRunner::ReviewFile(ISensorInfo& sensorType, const std::wstring& file) {
+    using Kind = Outcome::Kind;
+    const QString name = QString::fromStdWString(file);
+    const int kind = FileKind(sensorType, file);
+    if (kind == kFileKindMethod) {
+        sensorType.OpenFile(file);
+        return {Kind::HandedToModule, Tr("Opened %1 in the method editor.").arg(name)};
+    }
+    if (kind != kFileKindData && kind != kFileKindTune)
+        return {Kind::FileChosen, Tr("%1 is neither a method nor a data file.").arg(name)};
+    const std::wstring question = Tr("Edit the method that %1 was made with?").arg(name).toStdWString();
+    if (Prompt().AskYesNo(question, {}) != IDYES)
+        return {Kind::FileChosen, Tr("The method of %1 was not opened.").arg(name)};
+    sensorType.EditMethodOfFile(file);
+    return {Kind::HandedToModule, Tr("Opened the method of %1.").arg(name)};
 }

@@ -1,9 +1,10 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
-// for a data file, Run Method asks for a method on the instrument and starts it there, Status shows the
-// status panel, Tune tunes the selected instrument and shows its tune reports; the remaining host
-// features are outside the studio and say so.
+// for a data file, Run Method asks for a method on the instrument and starts it there, the Method
+// Editor makes or opens methods and sequences through the sensor type, Status shows the status panel,
+// Tune tunes the selected instrument and shows its tune reports; the remaining host features are
+// outside the studio and say so. Files chosen in Manage Files and Data Review are handed on.
 #include <QString>
 
 class ISensorInfo;
@@ -26,6 +27,8 @@ public:
             TuneFailed,             // the instrument could not tune (off line, refused)
             NeedsInstrument,        // the tool works on a sensor and none is selected
             OutOfScope,             // a host feature the studio does not have
+            ChooseMethodAction,     // the window should offer the method editor's actions
+            HandedToModule,         // a file went to the sensor type's OpenFile or EditMethodOfFile
         };
         Kind kind;
         QString message;
@@ -34,9 +37,17 @@ public:
     // `sensor` is the selected instrument's sensor, or null. The caller holds a reference on it.
     static Outcome Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor);
 
+    enum class MethodAction { NewMethod, NewSequence, Open };
+    // New method / new sequence through NewFile; Open asks the sensor's file selection dialog (the
+    // method folder's filter) and hands the file to OpenFile.
+    static Outcome RunMethodEditor(ISensorInfo& sensorType, MethodAction action, ISensorObject* sensor);
+    // Hands a chosen file on: a method file to OpenFile; for a data or tune file, after asking, its
+    // method to EditMethodOfFile. Other files are left alone (FileChosen).
+    static Outcome ReviewFile(ISensorInfo& sensorType, const std::wstring& file);
+
 private:
     static Outcome RunTune(const QString& toolName, ISensorObject* sensor);
     static Outcome ManageFiles(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
-    static Outcome ReviewData(const QString& name, ISensorObject& sensor);
+    static Outcome ReviewData(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
     static Outcome RunMethod(const QString& name, ISensorObject& sensor);
 };

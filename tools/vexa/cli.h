@@ -12,7 +12,7 @@ class VEXASensorObject;
 
 enum ExitCode : int {
     kExitOk = 0,
-    kExitFailed = 1,      // the operation failed (message with the error number and its meaning)
+    kExitFailed = 1, // the operation failed (message with the error number and its meaning)
     kExitUsage = 2,
     kExitUnreachable = 3, // the instrument could not be reached
 };
@@ -74,3 +74,4 @@ void AddMkdirCommand(CLI::App& app, CliContext& ctx);
 void AddMvCommand(CLI::App& app, CliContext& ctx);
 void AddRunCommand(CLI::App& app, CliContext& ctx);
 void AddBackupCommand(CLI::App& app, CliContext& ctx);
+void AddMethodCommand(CLI::App& app, CliContext& ctx);

@@ -11,7 +11,7 @@ std::vector<AddCommand> CliCommands() {
     return {
         AddPingCommand,  AddNextNameCommand, AddStatusCommand, AddLsCommand,     AddStatCommand,
         AddGetCommand,   AddPutCommand,      AddCpCommand,     AddRmCommand,     AddRmdirCommand,
-        AddMkdirCommand, AddMvCommand,       AddRunCommand,    AddBackupCommand,
+        AddMkdirCommand, AddMvCommand,       AddRunCommand,    AddBackupCommand, AddMethodCommand,
     };
 }
 

@@ -15,6 +15,15 @@ public:
     bool AskForFile(const std::wstring&, const std::wstring&, const std::wstring&, std::wstring*) override {
         return false;
     }
+    bool EditMethod(const VexaMethod&, const std::wstring& fileName, VexaWizardMode,
+                    const std::wstring&) override {
+        ShowMessage(L"This program has no method editor; cannot edit " + fileName + L".");
+        return false;
+    }
+    bool EditSequence(const VexaMethodSequence&, const std::wstring& fileName) override {
+        ShowMessage(L"This program has no method sequence editor; cannot edit " + fileName + L".");
+        return false;
+    }
 };
 
 ConsoleToolUserInterface g_console;

@@ -1,17 +1,25 @@
 #include "vexasensorinfo.h"
 
 #include "externalprograms.h"
+#include "filetype.h"
+#include "methodoffile.h"
 #include "paths.h"
 #include "pxformat.h"
 #include "pxresource.h"
 #include "registry.h"
+#include "remotename.h"
 #include "resource.h"
 #include "stringtable.h"
 #include "systemaccess.h"
+#include "text.h"
 #include "tooluserinterface.h"
 #include "vexacommsensor.h"
+#include "vexafileref.h"
+#include "vexamethod.h"
+#include "vexamethodsequence.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
+#include "wizardmode.h"
 
 namespace {
 
@@ -187,4 +195,76 @@ void VEXASensorInfo::OpenSafetyDatabase() {
         VexaToolUserInterface().ShowMessage(PXFormatMessage(PXLoadCString(IDS_SAFETY_DB_OPEN_FAILED).c_str(),
                                                             path.c_str(), DescribeError(result).c_str()));
     registry.SetString(kSafetySection, kSafetyValue, path);
+}
+
+bool VEXASensorInfo::OpenFile(const std::wstring& path) {
+    PXResourceScope scope(VexaResourceModule());
+    if (!path.empty() && !CSystemAccess::Accessible(1)) {
+        VexaToolUserInterface().ShowMessage(PXLoadCString(IDS_NO_ACCESS_OPEN_FILE));
+        return false;
+    }
+    std::wstring folder, file;
+    ParseFilename(path, &folder, &file, nullptr);
+    if (EqualsNoCase(GetFileType(file), L"xmth"))
+        return EditSequenceFile(path);
+    return EditMethodFile(path);
+}
+
+// Shows 39513 with the file's name and, below it, why the file could not be read.
+static void ShowUnreadableMethod(const std::wstring& path, const std::wstring& reason) {
+    std::wstring text = PXFormat(PXLoadCString(IDS_CANNOT_READ_METHOD).c_str(), path.c_str());
+    if (!reason.empty())
+        text += L"\n" + reason;
+    VexaToolUserInterface().ShowMessage(text);
+}
+
+bool VEXASensorInfo::EditMethodFile(const std::wstring& path) {
+    VexaFileRef file;
+    if (!file.Open(path)) {
+        ShowUnreadableMethod(path, file.GetLastErrorText());
+        return false;
+    }
+    const VexaMethod method(file);
+    file.Close();
+    if (!method.IsValid()) {
+        ShowUnreadableMethod(path, method.GetInvalidReason());
+        return false;
+    }
+    const std::wstring type = ToLowerW(GetFileType(path));
+    return VexaToolUserInterface().EditMethod(method, path, GetWizardMode(), type == L"dmth" ? type : L"mth");
+}
+
+bool VEXASensorInfo::EditSequenceFile(const std::wstring& path) {
+    VexaFileRef file;
+    if (!file.Open(path)) {
+        ShowUnreadableMethod(path, file.GetLastErrorText());
+        return false;
+    }
+    const VexaMethodSequence sequence(file);
+    if (!sequence.IsValid()) {
+        ShowUnreadableMethod(path, sequence.GetInvalidReason());
+        return false;
+    }
+    return VexaToolUserInterface().EditSequence(sequence, path);
+}
+
+bool VEXASensorInfo::NewFile(const std::wstring& suffix) {
+    if (suffix.empty())
+        return false;
+    if (EqualsNoCase(suffix, L"xmth"))
+        return VexaToolUserInterface().EditSequence(VexaMethodSequence(), L"");
+    // A default method goes through the default-methods dialog once the module has one; until then it
+    // starts as any new method, saved with its own extension.
+    const std::wstring extension = EqualsNoCase(suffix, L"dmth") ? L"dmth" : L"mth";
+    return VexaToolUserInterface().EditMethod(VexaMethod(), L"", GetWizardMode(), extension);
+}
+
+bool VEXASensorInfo::EditMethodOfFile(const std::wstring& file) {
+    PXResourceScope scope(VexaResourceModule());
+    std::wstring method, reason;
+    if (!FindMethodOfFile(file, &method, &reason)) {
+        ShowUnreadableMethod(file, reason);
+        return false;
+    }
+    return EditMethodFile(method);
 }

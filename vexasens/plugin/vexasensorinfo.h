@@ -27,7 +27,14 @@ public:
     ISensorObject* CreateSensorObject(void* owner, const ISensorAddress& address) override;
     ISensorAddress MakeSensorAddress(const std::wstring& text, bool empty) override;
     // Only with access level 1, and only for exactly "mth", "xmth" or "dmth" (case matters).
+    // Opens a method in the method editor, a sequence (.xmth) in the sequence editor; needs access level
+    // 1 for a non-empty path. A file that cannot be read as one is reported (39513) and nothing opens.
+    bool OpenFile(const std::wstring& path) override;
+    // An empty editor for the suffix: "xmth" a sequence, "dmth" a default method, else a method.
+    bool NewFile(const std::wstring& suffix) override;
     bool CanEditFile(const std::wstring& suffix) const override;
+    // Opens the method that a data or tune file names in its "SENSOR" parameter.
+    bool EditMethodOfFile(const std::wstring& file) override;
     // "vxs" for kind 1, "mth" for kind 2, empty for every other kind.
     std::wstring GetDefaultSuffix(int kind) const override;
     bool HasTools() const override;
@@ -38,4 +45,6 @@ private:
     void RegisterFileTypes();
     void BuildToolList();
     void OpenSafetyDatabase();
+    bool EditMethodFile(const std::wstring& path);
+    bool EditSequenceFile(const std::wstring& path);
 };

@@ -2,6 +2,13 @@
 
 #include "filetext.h"
 #include "prompt.h"
+#include "pxresource.h"
+#include "remotename.h"
+#include "resource.h"
+#include "stringtable.h"
+#include "vexamethodlistdlg.h"
+#include "vexamethodwizard.h"
+#include "vexasensorobject.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -29,6 +36,55 @@ private:
 
 ToolUserInterfaceRegistration g_registration;
 
+constexpr int kMethodFolderKind = 1;
+constexpr uint32_t kSelectSave = 0x1;
+constexpr uint32_t kSelectCancelText = 0x40;
+
+// The sensor whose file selection dialog saves `fileName`: the one serving its host, else the first
+// VEXARON sensor (on line preferred). Null when there is none.
+VEXASensorObject* SensorFor(const std::wstring& fileName) {
+    std::wstring host;
+    if (SplitRemoteName(fileName, &host, nullptr)) {
+        if (auto* sensor = dynamic_cast<VEXASensorObject*>(ISensorObject::Select(ISensorAddress(host))))
+            return sensor;
+    }
+    VEXASensorObject* first = nullptr;
+    for (ISensorObject* candidate : ISensorObject::AllSensors()) {
+        auto* sensor = dynamic_cast<VEXASensorObject*>(candidate);
+        if (sensor && sensor->IsOnline(false))
+            return sensor;
+        if (sensor && !first)
+            first = sensor;
+    }
+    return first;
+}
+
+bool ChooseMethodSaveName(const std::wstring& current, const std::wstring& extension, std::wstring* chosen) {
+    VEXASensorObject* sensor = SensorFor(current);
+    if (!sensor)
+        return ChooseLocalSaveName(current, extension, chosen);
+    PXResourceScope scope(VexaResourceModule());
+    const std::wstring name = sensor->SelectFile(kMethodFolderKind, current, kSelectSave | kSelectCancelText,
+                                                 L"", PXLoadCString(IDS_FILTER_METHOD), extension);
+    if (name.empty() || name == L"Cancel")
+        return false;
+    *chosen = name;
+    return true;
+}
+
+bool ChooseMethod(const std::wstring& current, std::wstring* chosen) {
+    VEXASensorObject* sensor = SensorFor(current);
+    if (!sensor)
+        return false;
+    PXResourceScope scope(VexaResourceModule());
+    const std::wstring name = sensor->SelectFile(kMethodFolderKind, current, kSelectCancelText, L"",
+                                                 PXLoadCString(IDS_FILTER_METHOD), L"mth");
+    if (name.empty() || name == L"Cancel")
+        return false;
+    *chosen = name;
+    return true;
+}
+
 } // namespace
 
 void CVexaToolUserInterface::ShowMessage(const std::wstring& text) {
@@ -46,5 +102,21 @@ bool CVexaToolUserInterface::AskForFile(const std::wstring& current, const std::
     if (path.isEmpty())
         return false;
     *chosen = path.toStdWString();
+    return true;
+}
+
+bool CVexaToolUserInterface::EditMethod(const VexaMethod& method, const std::wstring& fileName,
+                                        VexaWizardMode mode, const std::wstring& extension) {
+    CVexaMethodWizard wizard(method, fileName, mode, QApplication::activeWindow(), extension);
+    wizard.SetSaveNameChooser(ChooseMethodSaveName);
+    wizard.DoModal();
+    return true;
+}
+
+bool CVexaToolUserInterface::EditSequence(const VexaMethodSequence& sequence, const std::wstring& fileName) {
+    CVexaMethodListDlg dialog(sequence, fileName, QApplication::activeWindow());
+    dialog.SetSaveNameChooser(ChooseMethodSaveName);
+    dialog.SetMethodChooser(ChooseMethod);
+    dialog.DoModal();
     return true;
 }

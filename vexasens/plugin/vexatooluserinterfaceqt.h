@@ -8,4 +8,9 @@ public:
     void ShowMessage(const std::wstring& text) override;
     bool AskForFile(const std::wstring& current, const std::wstring& filter, const std::wstring& folder,
                     std::wstring* chosen) override;
+    // The host's method editors, saving through the file selection dialog of the instrument the file
+    // lies on (or of the first VEXARON sensor), so methods go to the PC or the instrument.
+    bool EditMethod(const VexaMethod& method, const std::wstring& fileName, VexaWizardMode mode,
+                    const std::wstring& extension) override;
+    bool EditSequence(const VexaMethodSequence& sequence, const std::wstring& fileName) override;
 };

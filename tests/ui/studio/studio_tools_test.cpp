@@ -37,7 +37,7 @@ QStringList Messages(const ScriptedPrompt& prompt) {
 
 TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
-    for (const char* name : {"Method Editor", "Service Module"}) {
+    for (const char* name : {"Service Module"}) {
         SCOPED_TRACE(name);
         ScriptedPrompt prompt;
         window.RunTool(ToolRow(window, name));

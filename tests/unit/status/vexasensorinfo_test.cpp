@@ -1,11 +1,11 @@
 // The plug-in description: identity, file types, tools, edit rights, sensor objects and the tools of
 // category 6031 that it runs itself.
 #include "externalprograms.h"
+#include "recordingtoolui.h"
 #include "registry.h"
 #include "stringtable.h"
 #include "tempdir.h"
 #include "text.h"
-#include "tooluserinterface.h"
 #include "vexasensorinfo.h"
 #include "vexasensorobject.h"
 
@@ -20,54 +20,6 @@
 #include <vector>
 
 namespace {
-
-// Sets an environment variable for one scope.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const std::string& value) : m_name(name) {
-        if (const char* old = std::getenv(name))
-            m_old = old, m_had = true;
-        setenv(name, value.c_str(), 1);
-    }
-    ~ScopedEnv() {
-        if (m_had)
-            setenv(m_name, m_old.c_str(), 1);
-        else
-            unsetenv(m_name);
-    }
-
-private:
-    const char* m_name;
-    std::string m_old;
-    bool m_had = false;
-};
-
-class RecordingToolUi : public IVexaToolUserInterface {
-public:
-    RecordingToolUi() : m_previous(SetVexaToolUserInterface(this)) {}
-    ~RecordingToolUi() override { SetVexaToolUserInterface(m_previous); }
-
-    void ShowMessage(const std::wstring& text) override { messages.push_back(text); }
-    bool AskForFile(const std::wstring& current, const std::wstring& filter, const std::wstring& folder,
-                    std::wstring* chosen) override {
-        asked.push_back({current, filter, folder});
-        if (answers.empty())
-            return false;
-        *chosen = answers.front();
-        answers.erase(answers.begin());
-        return !chosen->empty();
-    }
-
-    struct Question {
-        std::wstring current, filter, folder;
-    };
-    std::vector<std::wstring> messages;
-    std::vector<Question> asked;
-    std::vector<std::wstring> answers; // an empty answer cancels
-
-private:
-    IVexaToolUserInterface* m_previous;
-};
 
 class VexaSensorInfoTest : public ::testing::Test {
 protected:

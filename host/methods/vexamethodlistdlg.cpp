@@ -1,0 +1,168 @@
+#include "vexamethodlistdlg.h"
+
+#include "editabletable.h"
+#include "methodresource.h"
+#include "vexafileref.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kMethodColumn = 0;
+constexpr int kRepeatColumn = 1;
+
+QPushButton* Button(const QString& text, int id) {
+    auto* button = new QPushButton(text);
+    button->setProperty("ctrlId", id);
+    return button;
+}
+
+} // namespace
+
+CVexaMethodListDlg::CVexaMethodListDlg(const VexaMethodSequence& sequence, const std::wstring& fileName,
+                                       QWidget* parent)
+    : CDialog_(IDD_VEXA_METHOD_LIST, parent), m_saved(sequence), m_fileName(fileName) {
+    BuildControls();
+    ConnectControls();
+}
+
+void CVexaMethodListDlg::BuildControls() {
+    auto* layout = new QVBoxLayout(this);
+    m_steps = new CEditableTable({tr("Method"), tr("Repeat")}, [this](int row) { FillRow(row, {L"", 1}); });
+    m_steps->setProperty("ctrlId", IDC_VML_STEPS);
+    layout->addWidget(m_steps, 1);
+    auto* rows = new QHBoxLayout;
+    rows->addWidget(Button(tr("&Add"), IDC_VM_ADD));
+    rows->addWidget(Button(tr("&Remove"), IDC_VM_REMOVE));
+    rows->addWidget(Button(tr("Move &Up"), IDC_VM_UP));
+    rows->addWidget(Button(tr("Move &Down"), IDC_VM_DOWN));
+    rows->addWidget(Button(tr("&Browse..."), IDC_VM_BROWSE));
+    layout->addLayout(rows);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(Button(tr("&Save"), IDC_VM_SAVE));
+    buttons->addWidget(Button(tr("Save &As..."), IDC_VM_SAVE_AS));
+    buttons->addWidget(Button(tr("Close"), IDCANCEL));
+    layout->addLayout(buttons);
+    resize(600, 400);
+}
+
+void CVexaMethodListDlg::FillRow(int row, const VexaSequenceStep& step) {
+    m_steps->setItem(row, kMethodColumn, new QTableWidgetItem(QString::fromStdWString(step.method)));
+    m_steps->setItem(row, kRepeatColumn, new QTableWidgetItem(QString::number(step.repeat)));
+}
+
+bool CVexaMethodListDlg::OnInitDialog() {
+    CDialog_::OnInitDialog();
+    m_steps->setRowCount(0);
+    for (const VexaSequenceStep& step : m_saved.GetSteps()) {
+        const int row = m_steps->rowCount();
+        m_steps->insertRow(row);
+        FillRow(row, step);
+    }
+    m_steps->resizeColumnToContents(kMethodColumn);
+    UpdateTitle();
+    return true;
+}
+
+VexaMethodSequence CVexaMethodListDlg::SequenceFromControls(std::vector<std::wstring>* problems) const {
+    std::vector<VexaSequenceStep> steps;
+    for (int row = 0; row < m_steps->rowCount(); ++row) {
+        const QTableWidgetItem* method = m_steps->item(row, kMethodColumn);
+        const QTableWidgetItem* repeat = m_steps->item(row, kRepeatColumn);
+        bool ok = false;
+        const int count = repeat ? repeat->text().trimmed().toInt(&ok) : 0;
+        if (!ok)
+            problems->push_back(L"Step " + std::to_wstring(row + 1) +
+                                L": the repeat count is not a whole number.");
+        steps.push_back({method ? method->text().trimmed().toStdWString() : std::wstring(), ok ? count : 1});
+    }
+    VexaMethodSequence sequence = m_saved;
+    sequence.SetSteps(steps);
+    return sequence;
+}
+
+void CVexaMethodListDlg::OnCommand(int id) {
+    switch (id) {
+    case IDC_VM_ADD:
+        m_steps->AddRow();
+        break;
+    case IDC_VM_REMOVE:
+        m_steps->RemoveCurrentRow();
+        break;
+    case IDC_VM_UP:
+    case IDC_VM_DOWN:
+        m_steps->MoveCurrentRow(id == IDC_VM_UP ? -1 : 1);
+        break;
+    case IDC_VM_BROWSE:
+        BrowseForMethod();
+        break;
+    case IDC_VM_SAVE:
+        Save();
+        break;
+    case IDC_VM_SAVE_AS:
+        SaveAs();
+        break;
+    default:
+        CDialog_::OnCommand(id);
+    }
+}
+
+void CVexaMethodListDlg::BrowseForMethod() {
+    const int row = m_steps->currentRow();
+    if (row < 0 || !m_methodChooser)
+        return;
+    QTableWidgetItem* item = m_steps->item(row, kMethodColumn);
+    std::wstring chosen;
+    if (item && m_methodChooser(item->text().toStdWString(), &chosen) && !chosen.empty())
+        item->setText(QString::fromStdWString(chosen));
+}
+
+bool CVexaMethodListDlg::Save() {
+    return m_fileName.empty() ? SaveAs() : SaveTo(m_fileName);
+}
+
+bool CVexaMethodListDlg::SaveAs() {
+    std::wstring chosen;
+    if (!m_chooser || !m_chooser(m_fileName, L"xmth", &chosen) || chosen.empty())
+        return false;
+    return SaveTo(chosen);
+}
+
+bool CVexaMethodListDlg::SaveTo(const std::wstring& name) {
+    std::vector<std::wstring> problems;
+    const VexaMethodSequence sequence = SequenceFromControls(&problems);
+    const std::vector<std::wstring> checks = sequence.CheckSettings();
+    problems.insert(problems.end(), checks.begin(), checks.end());
+    if (!problems.empty()) {
+        std::wstring text = L"The sequence cannot be saved:";
+        for (const std::wstring& problem : problems)
+            text += L"\n- " + problem;
+        ShowMessage(text, {}, PromptIcon::Warning);
+        return false;
+    }
+    VexaFileRef file;
+    if (!sequence.Save(file, name)) {
+        ShowMessage(file.GetLastErrorText(), {}, PromptIcon::Error);
+        return false;
+    }
+    m_saved = sequence;
+    m_fileName = name;
+    UpdateTitle();
+    return true;
+}
+
+void CVexaMethodListDlg::OnCancel() {
+    std::vector<std::wstring> problems;
+    if (!(SequenceFromControls(&problems) == m_saved) &&
+        AskYesNo(L"The sequence has changes that are not saved. Close without saving?") != IDYES)
+        return;
+    CDialog_::OnCancel();
+}
+
+void CVexaMethodListDlg::UpdateTitle() {
+    const QString name = m_fileName.empty() ? tr("New sequence") : QString::fromStdWString(m_fileName);
+    setWindowTitle(tr("Method Sequence - %1").arg(name));
+}
