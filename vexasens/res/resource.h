@@ -166,6 +166,14 @@
 #define IDC_TUNE_DAYS 10474
 #define IDC_TUNE_REPORT_TEXT 16829
 
+// ---- dialog template 1737: default methods ----
+#define IDD_DEFAULT_METHODS 1737
+#define IDC_DEFAULT_METHOD_NEW 3
+#define IDC_DEFAULT_METHOD_EDIT 4
+#define IDC_DEFAULT_METHOD_GRID 16842
+#define IDC_DEFAULT_METHOD_RESTORE 16844
+#define IDC_DEFAULT_METHOD_MODELS 16856
+
 // ---- dialog template 1701: Manage Files ----
 #define IDD_VEXA_FILE 1701
 #define IDI_UP_FOLDER 1705
