@@ -531,7 +531,8 @@ void StudioWindow::OfferMethodActions() {
         using Action = ToolRunner::MethodAction;
         const std::pair<QString, Action> actions[] = {{tr("New &Method"), Action::NewMethod},
                                                       {tr("New &Sequence"), Action::NewSequence},
-                                                      {tr("&Open..."), Action::Open}};
+                                                      {tr("&Open..."), Action::Open},
+                                                      {tr("&Default Methods..."), Action::DefaultMethods}};
         for (const auto& [text, action] : actions)
             connect(m_methodMenu->addAction(text), &QAction::triggered, this,
                     [this, action = action] { RunMethodEditor(action); });

@@ -69,7 +69,8 @@ ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& t
     if (tool.category == kToolCategoryRun && tool.index == kToolIndexTune)
         return RunTune(name, sensor);
     if (tool.category == kToolCategoryMethods)
-        return {Kind::ChooseMethodAction, Tr("%1: new method, new sequence or open.").arg(name)};
+        return {Kind::ChooseMethodAction,
+                Tr("%1: new method, new sequence, open or default methods.").arg(name)};
     if (tool.category == kToolCategoryStatus && tool.index == kToolIndexStatus)
         return {Kind::ShowStatus, Tr("Showing the status panel.")};
     return {Kind::OutOfScope,
@@ -165,6 +166,10 @@ ToolRunner::Outcome ToolRunner::RunMethodEditor(ISensorInfo& sensorType, MethodA
     case MethodAction::NewSequence:
         sensorType.NewFile(L"xmth");
         return {Kind::HandedToModule, Tr("Method Editor: new method sequence.")};
+    case MethodAction::DefaultMethods:
+        // The module shows its default methods first; a new default method follows only on OK.
+        sensorType.NewFile(L"dmth");
+        return {Kind::HandedToModule, Tr("Method Editor: default methods.")};
     case MethodAction::Open:
         break;
     }

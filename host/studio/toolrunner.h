@@ -37,7 +37,7 @@ public:
     // `sensor` is the selected instrument's sensor, or null. The caller holds a reference on it.
     static Outcome Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor);
 
-    enum class MethodAction { NewMethod, NewSequence, Open };
+    enum class MethodAction { NewMethod, NewSequence, Open, DefaultMethods };
     // New method / new sequence through NewFile; Open asks the sensor's file selection dialog (the
     // method folder's filter) and hands the file to OpenFile.
     static Outcome RunMethodEditor(ISensorInfo& sensorType, MethodAction action, ISensorObject* sensor);

@@ -24,6 +24,10 @@ public:
         ShowMessage(L"This program has no method sequence editor; cannot edit " + fileName + L".");
         return false;
     }
+    bool ManageDefaultMethods() override {
+        ShowMessage(L"This program cannot show the default methods.");
+        return false;
+    }
 };
 
 ConsoleToolUserInterface g_console;

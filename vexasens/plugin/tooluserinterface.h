@@ -23,6 +23,8 @@ public:
                             const std::wstring& extension) = 0;
     // Runs the sequence editor on `sequence` from `fileName` (empty: a new sequence).
     virtual bool EditSequence(const VexaMethodSequence& sequence, const std::wstring& fileName) = 0;
+    // Shows the default methods (installing missing ones); true when the user ends it with OK.
+    virtual bool ManageDefaultMethods() = 0;
 };
 
 // The installed interface (never null: a console fallback when none is installed).

@@ -253,10 +253,12 @@ bool VEXASensorInfo::NewFile(const std::wstring& suffix) {
         return false;
     if (EqualsNoCase(suffix, L"xmth"))
         return VexaToolUserInterface().EditSequence(VexaMethodSequence(), L"");
-    // A default method goes through the default-methods dialog once the module has one; until then it
-    // starts as any new method, saved with its own extension.
-    const std::wstring extension = EqualsNoCase(suffix, L"dmth") ? L"dmth" : L"mth";
-    return VexaToolUserInterface().EditMethod(VexaMethod(), L"", GetWizardMode(), extension);
+    // A new default method starts only after the user has seen, and accepted, the default methods.
+    const bool defaultMethod = EqualsNoCase(suffix, L"dmth");
+    if (defaultMethod && !VexaToolUserInterface().ManageDefaultMethods())
+        return false;
+    return VexaToolUserInterface().EditMethod(VexaMethod(), L"", GetWizardMode(),
+                                              defaultMethod ? L"dmth" : L"mth");
 }
 
 bool VEXASensorInfo::EditMethodOfFile(const std::wstring& file) {

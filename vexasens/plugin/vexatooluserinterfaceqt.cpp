@@ -1,5 +1,6 @@
 #include "vexatooluserinterfaceqt.h"
 
+#include "defaultmethoddlg.h"
 #include "filetext.h"
 #include "prompt.h"
 #include "pxresource.h"
@@ -119,4 +120,10 @@ bool CVexaToolUserInterface::EditSequence(const VexaMethodSequence& sequence, co
     dialog.SetMethodChooser(ChooseMethod);
     dialog.DoModal();
     return true;
+}
+
+bool CVexaToolUserInterface::ManageDefaultMethods() {
+    // The instrument's model decides which models' methods are ticked at first.
+    CDefaultMethodDlg dialog(SensorFor(L""), QApplication::activeWindow());
+    return dialog.DoModal() == IDOK;
 }

@@ -13,4 +13,6 @@ public:
     bool EditMethod(const VexaMethod& method, const std::wstring& fileName, VexaWizardMode mode,
                     const std::wstring& extension) override;
     bool EditSequence(const VexaMethodSequence& sequence, const std::wstring& fileName) override;
+    // The default-methods dialog, for the model of the first VEXARON sensor (on line preferred).
+    bool ManageDefaultMethods() override;
 };

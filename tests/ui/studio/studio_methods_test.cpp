@@ -31,18 +31,23 @@ std::vector<int> DialogTemplates(const ScriptedPrompt& prompt) {
     return templates;
 }
 
+// The module's default-methods dialog (the studio sees the module only through its template number).
+constexpr int kDefaultMethodsTemplate = 1737;
+
 } // namespace
 
-TEST_F(StudioTest, MethodEditorToolOffersNewMethodNewSequenceAndOpen) {
+TEST_F(StudioTest, MethodEditorToolOffersNewMethodNewSequenceOpenAndDefaultMethods) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
     ScriptedPrompt prompt;
     window.RunTool(ToolRow(window, "Method Editor"));
     ASSERT_NE(window.MethodMenu(), nullptr);
     const QList<QAction*> actions = window.MethodMenu()->actions();
-    ASSERT_EQ(actions.size(), 3);
+    ASSERT_EQ(actions.size(), 4);
     actions[0]->trigger(); // new method
     actions[1]->trigger(); // new sequence
-    EXPECT_EQ(DialogTemplates(prompt), (std::vector<int>{IDD_VEXA_METHOD_WIZARD, IDD_VEXA_METHOD_LIST}));
+    actions[3]->trigger(); // default methods, cancelled: no new default method follows
+    EXPECT_EQ(DialogTemplates(prompt),
+              (std::vector<int>{IDD_VEXA_METHOD_WIZARD, IDD_VEXA_METHOD_LIST, kDefaultMethodsTemplate}));
     actions[2]->trigger(); // open: no instrument selected
     ASSERT_EQ(prompt.Asked(ScriptedPrompt::Kind::Message).size(), 1u);
     EXPECT_NE(prompt.Asked(ScriptedPrompt::Kind::Message)[0].text.find(L"select one in the list first"),

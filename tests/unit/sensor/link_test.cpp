@@ -284,8 +284,9 @@ TEST(Link, OtherThreadsWaitForTheLinkLock) {
     std::atomic<bool> answered{false};
     LoopbackPeer peer(AfterHello([&](int s) {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        LoopbackPeer::WriteAll(s, "abcd", 4);
+        // Marked before writing: the receiver may finish, and the sender go, before this thread runs on.
         answered = true;
+        LoopbackPeer::WriteAll(s, "abcd", 4);
         LoopbackPeer::ReadUntilClosed(s, 3000);
     }));
     SensorHandle sensor(peer.host());

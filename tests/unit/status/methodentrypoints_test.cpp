@@ -106,6 +106,14 @@ TEST_F(MethodEntryPoints, NewFileBySuffix) {
         EXPECT_TRUE(edited.method.IsValid());
         EXPECT_EQ(edited.mode, kWizardBasic);
     }
+    EXPECT_EQ(m_ui.defaultMethodsShown, 1); // only for the default method
+}
+
+TEST_F(MethodEntryPoints, NewDefaultMethodOnlyAfterTheDefaultMethodsEndWithOk) {
+    m_ui.defaultMethodsAnswer = false;
+    EXPECT_FALSE(m_info.NewFile(L"DMTH"));
+    EXPECT_EQ(m_ui.defaultMethodsShown, 1);
+    EXPECT_TRUE(m_ui.editedMethods.empty());
 }
 
 TEST_F(MethodEntryPoints, EditMethodOfFileOpensTheMethodTheDataFileNames) {

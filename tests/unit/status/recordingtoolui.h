@@ -56,6 +56,12 @@ public:
         editedMethods.push_back({method, fileName, mode, extension});
         return true;
     }
+    bool ManageDefaultMethods() override {
+        ++defaultMethodsShown;
+        return defaultMethodsAnswer;
+    }
+    int defaultMethodsShown = 0;
+    bool defaultMethodsAnswer = true; // OK
     bool EditSequence(const VexaMethodSequence& sequence, const std::wstring& fileName) override {
         editedSequences.push_back({sequence, fileName});
         return true;
