@@ -16,26 +16,42 @@ void ISensorObserver::SetSensor(ISensorObject* sensor) {
         m_sensor->AddObserver(this);
 }
 
-void ISensorObserver::SetSensorMask(uint32_t mask, int enable) {
+namespace {
+
+void ChangeMask(uint32_t& current, bool& set, uint32_t mask, bool enable) {
+    // Until a first call the observer takes everything; that call says what it wants.
+    if (!set)
+        current = enable ? 0 : 0xFFFFFFFF;
+    set = true;
     if (enable)
-        m_sensorMask |= mask;
+        current |= mask;
     else
-        m_sensorMask &= ~mask;
+        current &= ~mask;
+}
+
+} // namespace
+
+void ISensorObserver::SetSensorMask(uint32_t mask, int enable) {
+    ChangeMask(m_sensorMask, m_sensorMaskSet, mask, enable != 0);
 }
 
 void ISensorObserver::SetAllDeviceMasks(uint32_t mask, int enable) {
-    if (enable)
-        m_deviceMask |= mask;
-    else
-        m_deviceMask &= ~mask;
+    ChangeMask(m_deviceMask, m_deviceMaskSet, mask, enable != 0);
 }
 
-// Codes below 0x100 are state changes and always pass. Codes from 0x100000 up are device notifications
-// (the backup's completion, for one) and are filtered by the device mask, the rest by the sensor mask;
-// the mask bit is chosen by bits 8..12 of the code, so a mask of all ones passes everything.
-bool ISensorObserver::Accepts(uint32_t code) const {
+uint32_t ISensorObserver::MaskBit(uint32_t code) {
     if (code < 0x100)
-        return true;
-    const uint32_t bit = 1u << ((code >> 8) & 31);
-    return ((code >= 0x100000 ? m_deviceMask : m_sensorMask) & bit) != 0;
+        return kEventMaskState;
+    switch (code) {
+    case kSensorEventBackup:
+        return kEventMaskBackup;
+    case kSensorEventMethodEnded:
+        return kEventMaskProcessEnded;
+    default:
+        return kEventMaskOther;
+    }
+}
+
+bool ISensorObserver::Accepts(uint32_t code) const {
+    return ((IsDeviceCode(code) ? m_deviceMask : m_sensorMask) & MaskBit(code)) != 0;
 }

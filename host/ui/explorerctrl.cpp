@@ -238,6 +238,11 @@ void CPXExplorerCtrl::mousePressEvent(QMouseEvent* event) {
     m_ignoreSelectedClick = false;
     m_dragging = false;
     m_slowClickTimer.stop();
+    // A right press beside the rows keeps the selection: the context menu that follows acts on it.
+    if (event->button() == Qt::RightButton && RowAt(event->position().toPoint()) < 0) {
+        event->accept();
+        return;
+    }
     QTreeWidget::mousePressEvent(event);
     m_pressPos = event->position().toPoint();
     const int row = RowAt(m_pressPos);

@@ -15,8 +15,8 @@ QWidget* CVexaDialogLauncher::DialogParent() {
     return QApplication::activeWindow();
 }
 
-bool CVexaDialogLauncher::ManageFiles(VEXASensorObject& sensor, const std::wstring& /*argument*/, int kind,
-                                      uint32_t /*flags*/, std::wstring* result) {
+bool CVexaDialogLauncher::ManageFiles(VEXASensorObject& sensor, const std::wstring& argument, int kind,
+                                      uint32_t flags, std::wstring* result) {
     std::wstring localFolder;
     if (kind < 0 || !sensor.GetFolderInfo(unsigned(kind), &localFolder, nullptr, nullptr, nullptr))
         return false;
@@ -25,9 +25,10 @@ bool CVexaDialogLauncher::ManageFiles(VEXASensorObject& sensor, const std::wstri
         FullDirCreate(localFolder);
 
     CVexaFileDlg dialog(sensor, DialogParent());
-    dialog.SetTitle(PXLoadCString(IDS_TOOL_MANAGE_FILES));
+    // The opener's argument is the caption; without one the tool's own name.
+    dialog.SetTitle(argument.empty() ? PXLoadCString(IDS_TOOL_MANAGE_FILES) : argument);
+    dialog.SetFlags(flags);
     dialog.SetLocalStartFolder(localFolder);
-    dialog.SetRemoteStartFolder(L"/");
     if (dialog.DoModal() != IDOK)
         return false;
     if (result)

@@ -22,6 +22,7 @@
 #include "vexafiledescription.h"
 #include "vexafilekinds.h"
 #include "vexafilelist.h"
+#include "vexaicons.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -29,7 +30,6 @@
 #include <QMenu>
 #include <QShortcut>
 #include <QSlider>
-#include <QStyle>
 #include <QThread>
 #include <QTimerEvent>
 
@@ -37,9 +37,12 @@
 
 namespace {
 
-// The observer's subscription: state changes, and the device notifications that end a backup.
+// The observer's subscription: state changes, and the device notification that ends a backup. A method
+// ending or any other instrument notification must not re-read the panes under the user's selection.
 constexpr uint32_t kSensorMask = 0xF8000009;
 constexpr uint32_t kDeviceMask = 0xF8000008;
+static_assert(kSensorMask == (kEventMaskReserved | kEventMaskBackup | kEventMaskState));
+static_assert(kDeviceMask == (kEventMaskReserved | kEventMaskBackup));
 constexpr int kDragImageOffset = 12;
 
 // Menu 1739, popup "FileManager".
@@ -72,12 +75,17 @@ void ShowListingBusy(bool busy) {
 } // namespace
 
 CVexaFileDlg::CVexaFileDlg(ISensorObject& sensor, QWidget* parent)
-    : CDialog_(IDD_VEXA_FILE, parent), m_sensor(&sensor) {
+    : CDialog_(IDD_VEXA_FILE, parent),
+      m_localPane(false, {IDC_FILEMGR_LOCAL_LIST, IDC_FILEMGR_LOCAL_PATH, IDC_FILEMGR_LOCAL_STATUS,
+                          IDC_FILEMGR_LOCAL_UP, IDC_FILEMGR_LOCAL_NEW_FOLDER}),
+      m_remotePane(true, {IDC_FILEMGR_REMOTE_LIST, IDC_FILEMGR_REMOTE_PATH, IDC_FILEMGR_REMOTE_STATUS,
+                          IDC_FILEMGR_REMOTE_UP, IDC_FILEMGR_REMOTE_NEW_FOLDER}),
+      m_sensor(&sensor) {
     m_sensor->IncRef();
     Ui::Dialog1701 form;
     SetupTemplate(form);
-    m_localView = qobject_cast<CPXExplorerCtrl*>(GetDlgItem(IDC_FILEMGR_LOCAL_LIST));
-    m_remoteView = qobject_cast<CPXExplorerCtrl*>(GetDlgItem(IDC_FILEMGR_REMOTE_LIST));
+    for (CVexaFilePane* pane : {&m_localPane, &m_remotePane})
+        pane->SetView(qobject_cast<CPXExplorerCtrl*>(GetDlgItem(pane->Ids().list)));
     m_driveBox = qobject_cast<CPXDriveBox*>(GetDlgItem(IDC_FILEMGR_DRIVES));
     m_speed = qobject_cast<QSlider*>(GetDlgItem(IDC_FILEMGR_REPLAY_SPEED));
     m_speedLabel = qobject_cast<QLabel*>(GetDlgItem(IDC_FILEMGR_REPLAY_SPEED_LABEL));
@@ -86,8 +94,8 @@ CVexaFileDlg::CVexaFileDlg(ISensorObject& sensor, QWidget* parent)
     ConnectPane(kRemotePane);
     connect(m_driveBox, &QComboBox::activated, this, &CVexaFileDlg::OnDriveChanged);
     connect(m_speed, &QSlider::valueChanged, this, &CVexaFileDlg::OnSpeedChanged);
-    auto* showHidden = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_H), this);
-    connect(showHidden, &QShortcut::activated, this, [this] { ShowHiddenEntries(); });
+    m_showHidden = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_H), this);
+    connect(m_showHidden, &QShortcut::activated, this, [this] { ShowHiddenEntries(); });
     SetFileListBusyHook(ShowListingBusy);
     m_backupDlg = std::make_unique<CBackupDlg>(this);
 }
@@ -97,8 +105,8 @@ CVexaFileDlg::~CVexaFileDlg() {
         EndDrag();
     m_observer.SetWnd(nullptr);
     m_observer.SetSensor(nullptr);
-    m_localList.reset();
-    m_remoteList.reset();
+    m_localPane.DropList();
+    m_remotePane.DropList();
     m_sensor->DecRef();
 }
 
@@ -128,10 +136,10 @@ void CVexaFileDlg::ConnectPane(int pane) {
 
 void CVexaFileDlg::DoDataExchange(CDataExchange& dx) {
     CDialog_::DoDataExchange(dx);
-    DDX_Text(dx, IDC_FILEMGR_LOCAL_PATH, m_localFolderText);
-    DDX_Text(dx, IDC_FILEMGR_REMOTE_PATH, m_remoteFolderText);
-    DDX_Text(dx, IDC_FILEMGR_LOCAL_STATUS, m_localStatus);
-    DDX_Text(dx, IDC_FILEMGR_REMOTE_STATUS, m_remoteStatus);
+    for (CVexaFilePane* pane : {&m_localPane, &m_remotePane}) {
+        DDX_Text(dx, pane->Ids().folder, pane->FolderText());
+        DDX_Text(dx, pane->Ids().status, pane->StatusText());
+    }
 }
 
 bool CVexaFileDlg::OnInitDialog() {
@@ -143,28 +151,24 @@ bool CVexaFileDlg::OnInitDialog() {
     }
 
     m_online = m_sensor->IsOnline();
-    m_remoteStartFolder = L"/";
-    m_host = m_sensor->GetSensorAddress().GetHostname();
+    const std::wstring host = m_sensor->GetSensorAddress().GetHostname();
     if (!m_title.empty())
         SetWindowText(m_title);
 
-    m_localList = std::make_unique<CVexaFileList>(nullptr, std::wstring(), false);
-    m_remoteList = std::make_unique<CVexaFileList>(
-        m_sensor, CVexaFileList::FolderArgument(m_host, m_remoteStartFolder), false);
-    if (m_host.empty()) {
-        // No instrument address: the pane stays empty, as for an instrument that is off line.
-        m_remoteList->SetValid(false);
+    m_localPane.CreateList(nullptr, std::wstring(), std::wstring());
+    // No instrument address: the pane stays empty, as for an instrument that is off line.
+    m_remotePane.CreateList(m_sensor, host, kRemoteStartFolder);
+    if (host.empty())
         m_online = false;
-    }
 
     if (!ShowLocalFolder(m_localStartFolder)) {
         EndDialog(IDCANCEL);
         ShowMessage(PXFormat(LoadString(IDS_UNABLE_OPEN_LOCAL_FOLDER).c_str(), m_localStartFolder.c_str()));
         return true;
     }
-    if (m_online && !ShowRemoteFolder(m_remoteStartFolder)) {
+    if (m_online && !ShowRemoteFolder(kRemoteStartFolder)) {
         EndDialog(IDCANCEL);
-        const std::wstring remote = MakeFilename(m_remoteStartFolder, L"", m_host);
+        const std::wstring remote = MakeFilename(kRemoteStartFolder, L"", host);
         ShowMessage(PXFormat(LoadString(IDS_UNABLE_OPEN_REMOTE_FOLDER).c_str(), remote.c_str()));
         return true;
     }
@@ -180,6 +184,8 @@ bool CVexaFileDlg::OnInitDialog() {
     EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
 
     const bool service = CSystemAccess::Accessible(0);
+    // Without the service level Alt+H is an ordinary key for the dialog's other controls.
+    m_showHidden->setEnabled(service);
     ShowControl(IDC_FILEMGR_REPLAY_SPEED_LABEL, service);
     ShowControl(IDC_FILEMGR_REPLAY_SPEED, service);
     EnableControl(IDC_FILEMGR_REPLAY_SPEED_LABEL, service);
@@ -190,14 +196,14 @@ bool CVexaFileDlg::OnInitDialog() {
         OnSpeedChanged();
     }
 
-    const QIcon up = style()->standardIcon(QStyle::SP_FileDialogToParent, nullptr, this);
-    const QIcon newFolder = style()->standardIcon(QStyle::SP_FileDialogNewFolder, nullptr, this);
-    for (int id : {IDC_FILEMGR_LOCAL_UP, IDC_FILEMGR_REMOTE_UP})
-        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(id)))
+    const QIcon up = VexaIcon(IDI_UP_FOLDER);
+    const QIcon newFolder = VexaIcon(IDI_NEW_FOLDER);
+    for (const CVexaFilePane* pane : {&m_localPane, &m_remotePane}) {
+        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(pane->Ids().up)))
             button->SetIcon(up);
-    for (int id : {IDC_FILEMGR_LOCAL_NEW_FOLDER, IDC_FILEMGR_REMOTE_NEW_FOLDER})
-        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(id)))
+        if (auto* button = qobject_cast<CPXNoFocusButton*>(GetDlgItem(pane->Ids().newFolder)))
             button->SetIcon(newFolder);
+    }
 
     m_observer.SetSensor(m_sensor);
     m_observer.SetSensorMask(kSensorMask, 1);
@@ -246,12 +252,22 @@ void CVexaFileDlg::OnCommand(int id) {
 
 // ---- panes ----
 
+CVexaFilePane* CVexaFileDlg::PaneAt(int pane) {
+    return pane == kLocalPane ? &m_localPane : pane == kRemotePane ? &m_remotePane : nullptr;
+}
+
+const CVexaFilePane* CVexaFileDlg::PaneAt(int pane) const {
+    return pane == kLocalPane ? &m_localPane : pane == kRemotePane ? &m_remotePane : nullptr;
+}
+
 CPXExplorerCtrl* CVexaFileDlg::View(int pane) const {
-    return pane == kLocalPane ? m_localView : pane == kRemotePane ? m_remoteView : nullptr;
+    const CVexaFilePane* found = PaneAt(pane);
+    return found ? found->View() : nullptr;
 }
 
 CVexaFileList* CVexaFileDlg::List(int pane) const {
-    return pane == kLocalPane ? m_localList.get() : pane == kRemotePane ? m_remoteList.get() : nullptr;
+    const CVexaFilePane* found = PaneAt(pane);
+    return found ? found->List() : nullptr;
 }
 
 bool CVexaFileDlg::ShowLocalFolder(const std::wstring& path) {
@@ -263,60 +279,39 @@ bool CVexaFileDlg::ShowRemoteFolder(const std::wstring& path) {
 }
 
 bool CVexaFileDlg::ShowPane(int pane, const std::wstring& path) {
-    CVexaFileList* list = List(pane);
-    if (!list || path.empty())
+    CVexaFilePane* found = PaneAt(pane);
+    if (!found)
         return false;
-    const bool remote = pane == kRemotePane;
-    const std::wstring host = remote ? m_host : std::wstring();
-    const std::wstring folder = remote ? JoinInstrumentPath(path, L"") : GetFullPath(path);
-    const std::wstring previous = list->Folder();
-    const bool read = list->ReadFolder(CVexaFileList::FolderArgument(host, folder));
-    if (!read && !previous.empty() && previous != folder) {
-        // The pane keeps showing where the user was rather than an empty folder that cannot be read.
-        list->ReadFolder(CVexaFileList::FolderArgument(host, previous));
-    }
-    FillPane(pane);
+    const bool read = found->ShowFolder(path);
+    ShowPaneState(pane);
     return read;
 }
 
 void CVexaFileDlg::FillPane(int pane) {
-    CPXExplorerCtrl* view = View(pane);
-    CVexaFileList* list = List(pane);
-    if (!view || !list)
-        return;
-    view->DeleteAllItems();
-    for (int i = 0; i < list->Count(); ++i)
-        view->AddItem(*list->Entry(i), i);
-    view->SetSortIndicator(list->GetSortColumn(), list->IsDescending());
+    if (CVexaFilePane* found = PaneAt(pane)) {
+        found->Fill();
+        ShowPaneState(pane);
+    }
+}
 
-    const bool local = pane == kLocalPane;
-    (local ? m_localFolderText : m_remoteFolderText) = list->Folder();
-    const FileInfo* first = list->Entry(0);
-    EnableControl(local ? IDC_FILEMGR_LOCAL_UP : IDC_FILEMGR_REMOTE_UP,
-                  first != nullptr && first->name == L"..");
-    (local ? m_localStatus : m_remoteStatus) =
-        PXFormat(LoadString(IDS_OBJECT_COUNT).c_str(), view->GetItemCount());
+void CVexaFileDlg::ShowPaneState(int pane) {
+    const CVexaFilePane* found = PaneAt(pane);
+    if (!found || !found->List())
+        return;
+    EnableControl(found->Ids().up, found->CanGoUp());
     UpdateData(false);
-    if (local)
-        m_driveBox->SelectDrive(list->Folder());
+    if (pane == kLocalPane)
+        m_driveBox->SelectDrive(found->List()->Folder());
     // A refill drops the selection; the buttons must not go on acting on the rows that were there.
     if (m_activePane == pane)
         UpdateButtons(pane, true);
 }
 
 void CVexaFileDlg::RefreshPane(int pane) {
-    CVexaFileList* list = List(pane);
-    if (!list)
-        return;
-    if (pane == kRemotePane) {
-        // Listing again through ReadFolder asks the sensor first: an instrument that went off line
-        // shows an empty pane at once.
-        if (!list->Folder().empty())
-            list->ReadFolder(CVexaFileList::FolderArgument(m_host, list->Folder()));
-    } else {
-        list->Refresh();
+    if (CVexaFilePane* found = PaneAt(pane)) {
+        found->Refresh(pane == kRemotePane ? kRemoteStartFolder : L"");
+        ShowPaneState(pane);
     }
-    FillPane(pane);
 }
 
 void CVexaFileDlg::RefreshLocalPane() {
@@ -328,46 +323,26 @@ void CVexaFileDlg::RefreshRemotePane() {
 }
 
 void CVexaFileDlg::UpOneFolder(int pane) {
-    CVexaFileList* list = List(pane);
-    if (!list || list->Folder().empty())
-        return;
-    const wchar_t separator = pane == kRemotePane ? L'/' : kNativeSeparator;
-    ShowPane(pane, JoinPath(list->Folder(), L"..", separator));
+    const CVexaFilePane* found = PaneAt(pane);
+    if (found && found->CanGoUp())
+        ShowPane(pane, found->ParentFolder());
 }
 
 void CVexaFileDlg::SortPane(int pane, int column) {
-    CVexaFileList* list = List(pane);
-    if (!list)
-        return;
-    if (column == list->GetSortColumn()) {
-        list->SetDescending(!list->IsDescending());
-    } else {
-        list->SetSortColumn(column);
-        list->SetDescending(false);
+    if (CVexaFilePane* found = PaneAt(pane)) {
+        found->Sort(column);
+        ShowPaneState(pane);
     }
-    list->Sort();
-    FillPane(pane);
 }
 
 const FileInfo* CVexaFileDlg::EntryAtRow(int pane, int row) const {
-    const CPXExplorerCtrl* view = View(pane);
-    const CVexaFileList* list = List(pane);
-    if (!view || !list || row < 0 || row >= view->GetItemCount())
-        return nullptr;
-    return list->Entry(static_cast<int>(view->GetItemData(row)));
+    const CVexaFilePane* found = PaneAt(pane);
+    return found ? found->EntryAtRow(row) : nullptr;
 }
 
 std::vector<FileInfo> CVexaFileDlg::SelectedEntries(int pane) const {
-    std::vector<FileInfo> entries;
-    const CPXExplorerCtrl* view = View(pane);
-    if (!view)
-        return entries;
-    for (int row : view->GetSelectedIndexes()) {
-        const FileInfo* entry = EntryAtRow(pane, row);
-        if (entry && entry->name != L".." && entry->name != L".")
-            entries.push_back(*entry);
-    }
-    return entries;
+    const CVexaFilePane* found = PaneAt(pane);
+    return found ? found->SelectedEntries() : std::vector<FileInfo>();
 }
 
 // ---- buttons ----
@@ -412,14 +387,14 @@ void CVexaFileDlg::UpdateButtons(int pane, bool now) {
     EnableCommand(IDC_FILEMGR_DELETE, any);
     EnableCommand(IDC_FILEMGR_RENAME, any);
 
-    bool copy = any && m_online;
+    // Only this pane's direction: a selection in the other pane keeps its own copy button.
+    bool copy = any;
     if (pane == kLocalPane && !MayCopyDataFiles()) {
         for (const FileInfo& entry : selection)
             if (IsWorkstationDataFileName(entry.name))
                 copy = false;
     }
-    EnableControl(IDC_FILEMGR_COPY_TO_REMOTE, pane == kLocalPane && copy);
-    EnableControl(IDC_FILEMGR_COPY_TO_LOCAL, pane == kRemotePane && copy);
+    EnableControl(pane == kLocalPane ? IDC_FILEMGR_COPY_TO_REMOTE : IDC_FILEMGR_COPY_TO_LOCAL, copy);
     UpdateBackupButtons(pane);
 
     std::wstring description;
@@ -429,7 +404,8 @@ void CVexaFileDlg::UpdateButtons(int pane, bool now) {
 }
 
 void CVexaFileDlg::OnItemStateChanged(int pane) {
-    (pane == kLocalPane ? m_localChanged : m_remoteChanged) = true;
+    if (CVexaFilePane* found = PaneAt(pane))
+        found->MarkChanged();
     // Each change starts the timer again: a burst of changes ends in one update.
     if (m_buttonTimer != 0)
         killTimer(m_buttonTimer);
@@ -446,15 +422,11 @@ void CVexaFileDlg::timerEvent(QTimerEvent* event) {
             return; // fires again once the copy has ended
         killTimer(m_buttonTimer);
         m_buttonTimer = 0;
-        if (m_localChanged) {
-            m_localChanged = false;
-            ++m_deferredUpdates;
-            UpdateButtons(kLocalPane, true);
-        }
-        if (m_remoteChanged) {
-            m_remoteChanged = false;
-            ++m_deferredUpdates;
-            UpdateButtons(kRemotePane, true);
+        for (int pane : {kLocalPane, kRemotePane}) {
+            if (PaneAt(pane)->TakeChanged()) {
+                ++m_deferredUpdates;
+                UpdateButtons(pane, true);
+            }
         }
         return;
     }
@@ -476,10 +448,10 @@ void CVexaFileDlg::OnSpeedChanged() {
 }
 
 bool CVexaFileDlg::ShowHiddenEntries() {
-    if (!CSystemAccess::Accessible(0) || !m_remoteList)
+    if (!CSystemAccess::Accessible(0) || !RemoteList())
         return false;
     // Only ever switched on, for the rest of the dialog's life.
-    m_remoteList->SetShowHidden(true);
+    RemoteList()->SetShowHidden(true);
     RefreshRemotePane();
     return true;
 }
@@ -506,8 +478,9 @@ std::unique_ptr<QMenu> CVexaFileDlg::BuildContextMenu(int pane, int row) {
 }
 
 void CVexaFileDlg::OnRightClick(int pane, int row, const QPoint& globalPos) {
+    // A click beside the rows acts on the selection, as the menu's commands do.
     if (row < 0)
-        return;
+        row = PaneAt(pane) ? PaneAt(pane)->FirstSelectedRow() : -1;
     std::unique_ptr<QMenu> menu = BuildContextMenu(pane, row);
     QAction* chosen = menu->exec(globalPos);
     if (chosen)
@@ -566,11 +539,8 @@ void CVexaFileDlg::MoveDragImage() {
     const QPoint cursor = QCursor::pos();
     if (m_dragImage)
         m_dragImage->move(cursor + QPoint(kDragImageOffset, kDragImageOffset));
-    auto over = [&cursor](const QWidget* view) {
-        return QRect(view->mapToGlobal(QPoint(0, 0)), view->size()).contains(cursor);
-    };
-    QApplication::changeOverrideCursor(over(m_localView) || over(m_remoteView) ? Qt::ArrowCursor
-                                                                               : Qt::ForbiddenCursor);
+    const bool overPane = m_localPane.Contains(cursor) || m_remotePane.Contains(cursor);
+    QApplication::changeOverrideCursor(overPane ? Qt::ArrowCursor : Qt::ForbiddenCursor);
 }
 
 void CVexaFileDlg::EndDrag() {
@@ -592,12 +562,9 @@ void CVexaFileDlg::DropAt(const QPoint& globalPos) {
     EndDrag();
     const int from = m_dragPane;
     m_dragPane = kNoPane;
-    auto inside = [&globalPos](const QWidget* view) {
-        return QRect(view->mapToGlobal(QPoint(0, 0)), view->size()).contains(globalPos);
-    };
-    if (from == kLocalPane && inside(m_remoteView))
+    if (from == kLocalPane && m_remotePane.Contains(globalPos))
         CopyToRemote();
-    else if (from == kRemotePane && inside(m_localView))
+    else if (from == kRemotePane && m_localPane.Contains(globalPos))
         CopyToLocal();
 }
 
@@ -614,7 +581,7 @@ void CVexaFileDlg::customEvent(QEvent* event) {
 
 void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text) {
     const VexaBackup::Notification what = VexaBackup::Classify(code, text);
-    if (what == VexaBackup::Notification::Ignore || !m_remoteList || !m_localList)
+    if (what == VexaBackup::Notification::Ignore || !RemoteList() || !LocalList())
         return;
     if (m_copying) {
         m_heldNotifications.emplace_back(code, text);
@@ -622,9 +589,8 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
     }
     if (what == VexaBackup::Notification::StateChange) {
         m_online = m_sensor->GetSensorState() == kSensorOnline;
-        m_host = m_sensor->GetSensorAddress().GetHostname();
-        m_remoteList->SetValid(!m_host.empty());
-        if (m_host.empty())
+        m_remotePane.SetHost(m_sensor->GetSensorAddress().GetHostname());
+        if (m_remotePane.Host().empty())
             m_online = false;
     }
     if (what == VexaBackup::Notification::ArchiveReady)
@@ -632,10 +598,6 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
     // Whatever the notification said, a backup window still open has nothing more to wait for.
     EndBackupWindow();
     // Both panes show what is there now, the instrument first.
-    const std::wstring remoteFolder =
-        m_remoteList->Folder().empty() ? m_remoteStartFolder : m_remoteList->Folder();
-    if (!m_host.empty())
-        m_remoteList->ReadFolder(CVexaFileList::FolderArgument(m_host, remoteFolder));
-    FillPane(kRemotePane);
+    RefreshRemotePane();
     RefreshLocalPane();
 }

@@ -11,6 +11,7 @@
 // the replay speed, Alt+H (hidden instrument entries), the text editor, the replay and copying data
 // files between the sides need access level 0.
 #include "dialog.h"
+#include "vexafilepane.h"
 #include "wsensorobserver.h"
 
 #include <QFont>
@@ -30,6 +31,7 @@ class FileInfo;
 class ISensorObject;
 class QLabel;
 class QMenu;
+class QShortcut;
 class QSlider;
 
 class CVexaFileDlg : public CDialog_ {
@@ -49,17 +51,18 @@ public:
 
     // ---- set by the opener before the modal run ----
     void SetTitle(const std::wstring& title) { m_title = title; }
+    // The opener's flags, kept for the dialog's life as the opener passed them.
+    void SetFlags(uint32_t flags) { m_flags = flags; }
+    uint32_t Flags() const { return m_flags; }
     void SetLocalStartFolder(const std::wstring& folder) { m_localStartFolder = folder; }
-    // The instrument pane always opens at "/"; kept for openers that name a folder.
-    void SetRemoteStartFolder(const std::wstring& folder) { m_remoteStartFolder = folder; }
     // A font for the dialog and every control in it; without one the template's font stays.
     void SetDialogFont(const QFont& font) { m_dialogFont = font; }
     // The full name of the file chosen with Open; valid after the dialog ended with IDOK.
     const std::wstring& GetSelectedFile() const { return m_selectedFile; }
 
     // ---- panes ----
-    // Read a folder into the pane and show it; false when it cannot be read (the pane then shows the
-    // folder it showed before, if any).
+    // Read a folder into the pane and show it; false when it cannot be read (the pane is then empty and
+    // says so with "0 Object(s)").
     bool ShowLocalFolder(const std::wstring& path);
     bool ShowRemoteFolder(const std::wstring& path);
     // Re-read the pane's current folder and fill the pane again.
@@ -102,11 +105,12 @@ public:
     bool IsDragging() const { return m_dragging; }
     // How many deferred button updates ran (timer 2 firing with a changed pane).
     int DeferredUpdateCount() const { return m_deferredUpdates; }
-    CVexaFileList* LocalList() const { return m_localList.get(); }
-    CVexaFileList* RemoteList() const { return m_remoteList.get(); }
+    CVexaFileList* LocalList() const { return m_localPane.List(); }
+    CVexaFileList* RemoteList() const { return m_remotePane.List(); }
     CPXExplorerCtrl* View(int pane) const;
-    // The entries of the pane's selected rows, ".." left out.
-    std::vector<FileInfo> SelectedEntries(int pane) const;
+    // The pane object for kLocalPane or kRemotePane; null for any other number.
+    CVexaFilePane* PaneAt(int pane);
+    const CVexaFilePane* PaneAt(int pane) const;
 
 protected:
     void DoDataExchange(CDataExchange& dx) override;
@@ -116,9 +120,12 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
+    static constexpr const wchar_t* kRemoteStartFolder = L"/";
+
     CVexaFileList* List(int pane) const;
-    std::wstring RemotePath(const std::wstring& folder) const;
     bool ShowPane(int pane, const std::wstring& path);
+    // Pushes the pane's texts and up button to the controls after its view was filled.
+    void ShowPaneState(int pane);
     void FillPane(int pane);
     void RefreshPane(int pane);
     void EnableCommand(int id, bool on);
@@ -126,7 +133,7 @@ private:
     bool BackupAllowed() const;
     std::wstring ActiveProcess() const;
     const FileInfo* EntryAtRow(int pane, int row) const;
-    std::wstring SelectedFileName(int pane, const FileInfo& entry) const;
+    std::vector<FileInfo> SelectedEntries(int pane) const;
     void ConnectPane(int pane);
     void OnItemStateChanged(int pane);
     bool OnLabelEditBegin(int pane, int row);
@@ -148,26 +155,19 @@ private:
 
     WSensorObserver m_observer;
     std::unique_ptr<CBackupDlg> m_backupDlg;
-    std::unique_ptr<CVexaFileList> m_localList;
-    std::unique_ptr<CVexaFileList> m_remoteList;
+    CVexaFilePane m_localPane;
+    CVexaFilePane m_remotePane;
     ISensorObject* m_sensor;
     bool m_online = false;
-    std::wstring m_host;
     std::wstring m_title;
+    uint32_t m_flags = 0;
     std::wstring m_localStartFolder;
-    std::wstring m_remoteStartFolder = L"/";
     std::optional<QFont> m_dialogFont;
     std::wstring m_selectedFile;
     int m_activePane = kNoPane;
-    bool m_localChanged = false;
-    bool m_remoteChanged = false;
     bool m_dragging = false;
     int m_dragPane = kNoPane;
     QPointer<QLabel> m_dragImage;
-    std::wstring m_localStatus;
-    std::wstring m_remoteStatus;
-    std::wstring m_localFolderText;
-    std::wstring m_remoteFolderText;
     std::wstring m_labelOldName;
     int m_dragTimer = 0;
     int m_buttonTimer = 0;
@@ -177,9 +177,8 @@ private:
     bool m_copying = false;
     std::vector<std::pair<uint32_t, std::wstring>> m_heldNotifications;
 
-    CPXExplorerCtrl* m_localView = nullptr;
-    CPXExplorerCtrl* m_remoteView = nullptr;
     CPXDriveBox* m_driveBox = nullptr;
+    QShortcut* m_showHidden = nullptr;
     QSlider* m_speed = nullptr;
     QLabel* m_speedLabel = nullptr;
 };

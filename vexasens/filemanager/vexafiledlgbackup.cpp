@@ -25,7 +25,7 @@ constexpr wchar_t kArchiveExtension[] = L"tgz";
 } // namespace
 
 void CVexaFileDlg::Backup(bool all) {
-    if (!m_remoteList || !m_online || !BackupAllowed())
+    if (!RemoteList() || !m_online || !BackupAllowed())
         return;
     if (AskYesNo(LoadString(IDS_BACKUP_CONFIRM), LoadString(IDS_BACKUP_TITLE)) != IDYES)
         return;
@@ -36,7 +36,7 @@ void CVexaFileDlg::Backup(bool all) {
             names.push_back(entry.name);
         if (names.empty())
             return;
-        argument = VexaBackup::ItemArgument(m_host, m_remoteList->Folder(), names);
+        argument = VexaBackup::ItemArgument(m_remotePane.Host(), RemoteList()->Folder(), names);
     }
     IDevice& device = m_sensor->GetDevice(L"VEXA");
     VexaDevice instrument(device);
@@ -70,7 +70,7 @@ void CVexaFileDlg::FetchBackup(const std::wstring& archive) {
     std::wstring archiveFolder, archiveName, targetFolder, targetName;
     ParseFilename(archive, &archiveFolder, &archiveName, nullptr);
     ParseFilename(chosen, &targetFolder, &targetName, nullptr);
-    CVexaFileList source(m_sensor, CVexaFileList::FolderArgument(m_host, archiveFolder));
+    CVexaFileList source(m_sensor, CVexaFileList::FolderArgument(m_remotePane.Host(), archiveFolder));
     CVexaFileList target(nullptr, CVexaFileList::FolderArgument(L"", targetFolder), false);
     const FileInfo* entry = source.Find(archiveName);
     bool copied = false;

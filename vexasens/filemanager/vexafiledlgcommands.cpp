@@ -191,24 +191,16 @@ void CVexaFileDlg::NewFolder(int pane) {
     RefreshPane(pane);
 }
 
-std::wstring CVexaFileDlg::SelectedFileName(int pane, const FileInfo& entry) const {
-    const CVexaFileList* list = List(pane);
-    if (pane == kRemotePane)
-        return MakeFilename(list->Folder(), entry.name, list->Host());
-    return JoinPath(list->Folder(), entry.name, kNativeSeparator);
-}
-
 void CVexaFileDlg::OpenEntry(int pane, int row) {
-    const FileInfo* entry = EntryAtRow(pane, row);
+    const CVexaFilePane* found = PaneAt(pane);
+    const FileInfo* entry = found ? found->EntryAtRow(row) : nullptr;
     if (!entry)
         return;
     if (IsFolderEntry(*entry)) {
-        const wchar_t separator = pane == kRemotePane ? L'/' : kNativeSeparator;
-        const std::wstring folder = List(pane)->Folder();
-        ShowPane(pane, JoinPath(folder, entry->name, separator));
+        ShowPane(pane, found->ChildFolder(entry->name));
         return;
     }
-    m_selectedFile = SelectedFileName(pane, *entry);
+    m_selectedFile = found->OpenName(*entry);
     EndDialog(IDOK);
 }
 
@@ -220,7 +212,7 @@ void CVexaFileDlg::EditTextFile(int row) {
         !CSystemAccess::Accessible(0))
         return;
     const FileInfo entry = *found;
-    const std::wstring fullName = m_remoteList->FullName(entry);
+    const std::wstring fullName = RemoteList()->FullName(entry);
 
     std::wstring text;
     int error = 0;
@@ -244,7 +236,7 @@ void CVexaFileDlg::StartReplay(int row) {
     if (!entry || IsFolderEntry(*entry) || !IsVexaReplayFile(entry->name) || !CSystemAccess::Accessible(0))
         return;
     const int speed = m_speed ? m_speed->value() : kDefaultReplaySpeed;
-    const std::wstring path = MakeFilename(m_remoteList->Folder(), entry->name, L"");
+    const std::wstring path = MakeFilename(RemoteList()->Folder(), entry->name, L"");
     const std::wstring command = BuildReplayCommand(path, speed);
     EndDialog(IDCANCEL);
 

@@ -325,19 +325,30 @@ TEST_F(FileManagerTest, SensorManageFilesOpensTheDialog) {
     CVexaDialogLauncher launcher;
     IVexaDialogLauncher* previous = VexaDialogLauncher();
     SetVexaDialogLauncher(&launcher);
-    std::wstring title;
-    int objects = -1;
-    m_prompt.QueueDialog([&](CDialog_& dialog) {
-        title = dialog.windowTitle().toStdWString();
-        objects = static_cast<CVexaFileDlg&>(dialog).View(CVexaFileDlg::kRemotePane)->GetItemCount();
-        return IDOK;
-    });
-    EXPECT_EQ(m_sensor->ManageFiles(L"", 0, 0), L"");
+    struct Case {
+        std::wstring argument;
+        uint32_t flags;
+        std::wstring title;
+    };
+    for (const Case& c : {Case{L"", 0, L"Manage Files"}, Case{L"Files of VEXA-1", 5, L"Files of VEXA-1"}}) {
+        std::wstring title;
+        uint32_t flags = 0;
+        int objects = -1;
+        m_prompt.QueueDialog([&](CDialog_& dialog) {
+            auto& files = static_cast<CVexaFileDlg&>(dialog);
+            title = files.windowTitle().toStdWString();
+            flags = files.Flags();
+            objects = files.View(CVexaFileDlg::kRemotePane)->GetItemCount();
+            return IDOK;
+        });
+        EXPECT_EQ(m_sensor->ManageFiles(c.argument, 0, c.flags), L"");
+        EXPECT_EQ(title, c.title);
+        EXPECT_EQ(flags, c.flags);
+        EXPECT_GT(objects, 0);
+    }
     SetVexaDialogLauncher(previous);
     const auto dialogs = m_prompt.Asked(ScriptedPrompt::Kind::Dialog);
-    ASSERT_EQ(dialogs.size(), 1u);
+    ASSERT_EQ(dialogs.size(), 2u);
     EXPECT_EQ(dialogs[0].templateId, IDD_VEXA_FILE);
     EXPECT_EQ(dialogs[0].answer, IDOK);
-    EXPECT_EQ(title, L"Manage Files");
-    EXPECT_GT(objects, 0);
 }

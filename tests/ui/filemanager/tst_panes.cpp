@@ -4,6 +4,7 @@
 
 #include "explorerctrl.h"
 #include "resource.h"
+#include "sensorevent.h"
 #include "sensorobject.h"
 #include "vexadevice.h"
 #include "vexafiledlg.h"
@@ -11,13 +12,31 @@
 #include "vexasensorobject.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 #include <cstdlib>
 #include <filesystem>
 
 namespace {
+
+// Counts the Alt+H presses that reach a widget.
+class KeyCounter : public QObject {
+public:
+    int altH = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            altH += key->key() == Qt::Key_H && key->modifiers() == Qt::AltModifier;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
 
 bool MenuItemEnabled(QMenu& menu, int command) {
     for (QAction* action : menu.actions())
@@ -94,6 +113,103 @@ TEST_F(FileManagerTest, UpButtonAndObjectCountFollowTheParentEntry) {
     dialog.UpOneFolder(CVexaFileDlg::kRemotePane);
     EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/");
     EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled());
+}
+
+// A folder that cannot be listed is shown empty, as what it is; the up button still leads out of it.
+TEST_F(FileManagerTest, EnteringAnUnreadableFolderShowsItEmpty) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    struct Case {
+        int pane;
+        std::wstring folder;
+        int pathId;
+        int statusId;
+        int upId;
+    };
+    for (const Case& c : {Case{CVexaFileDlg::kRemotePane, L"/NoSuchFolder", IDC_FILEMGR_REMOTE_PATH,
+                               IDC_FILEMGR_REMOTE_STATUS, IDC_FILEMGR_REMOTE_UP},
+                          Case{CVexaFileDlg::kLocalPane, Wide(PcPath("gone")), IDC_FILEMGR_LOCAL_PATH,
+                               IDC_FILEMGR_LOCAL_STATUS, IDC_FILEMGR_LOCAL_UP}}) {
+        const bool remote = c.pane == CVexaFileDlg::kRemotePane;
+        EXPECT_FALSE(remote ? dialog.ShowRemoteFolder(c.folder) : dialog.ShowLocalFolder(c.folder));
+        EXPECT_EQ(dialog.View(c.pane)->GetItemCount(), 0);
+        EXPECT_EQ(dialog.GetDlgItemText(c.statusId), L"0 Object(s)");
+        EXPECT_EQ(dialog.GetDlgItemText(c.pathId), c.folder);
+        ASSERT_TRUE(dialog.GetDlgItem(c.upId)->isEnabled());
+        dialog.UpOneFolder(c.pane);
+        EXPECT_GT(dialog.View(c.pane)->GetItemCount(), 0);
+    }
+    EXPECT_NE(RowOf(dialog.View(CVexaFileDlg::kLocalPane), L"a.txt"), -1);
+}
+
+// Each pane's update touches only its own direction, whatever the instrument's state.
+TEST_F(FileManagerTest, SelectionsInBothPanesKeepBothCopyButtons) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    Select(pc, {L"a.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    Select(dialog.View(CVexaFileDlg::kRemotePane), {L"hosts"});
+    dialog.UpdateButtons(CVexaFileDlg::kRemotePane, true);
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_LOCAL)->isEnabled());
+
+    pc->ClearSelection();
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_LOCAL)->isEnabled());
+}
+
+// Only what the dialog subscribed to reaches it: a method ending or another notification leaves the
+// panes and the user's selection alone; the sensor coming on line reads them again.
+TEST_F(FileManagerTest, OnlySubscribedNotificationsReadThePanesAgain) {
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    struct Case {
+        uint32_t code;
+        bool readsAgain;
+    };
+    for (const Case& c : {Case{kSensorEventMethodEnded, false}, Case{0x100200, false}, Case{0x1234, false},
+                          Case{kSensorEventOnline, true}}) {
+        Select(instrument, {L"hosts"});
+        dialog.UpdateButtons(CVexaFileDlg::kRemotePane, true);
+        m_sensor->RaiseEvent(c.code, L"note");
+        QTest::qWait(50);
+        EXPECT_EQ(instrument->GetSelectedCount(), c.readsAgain ? 0 : 1) << std::hex << c.code;
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_LOCAL)->isEnabled(), !c.readsAgain)
+            << std::hex << c.code;
+    }
+}
+
+// A right click beside the rows opens the pane's menu, whose commands act on the selection.
+TEST_F(FileManagerTest, RightClickBesideTheRowsOpensTheMenuForTheSelection) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    Select(pc, {L"a.txt"});
+    std::vector<int> offered;
+    QTimer::singleShot(200, [&offered] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        offered = MenuCommands(*menu);
+        for (QAction* action : menu->actions())
+            if (action->data().toInt() == ID_FILEMGR_DELETE)
+                menu->setActiveAction(action);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    m_prompt.QueueYesNo(IDNO);
+    const QPoint below(10, pc->viewport()->height() - 4);
+    ASSERT_EQ(pc->RowAt(below), -1);
+    QTest::mouseClick(pc->viewport(), Qt::RightButton, Qt::NoModifier, below);
+    EXPECT_EQ(offered, (std::vector<int>{ID_FILEMGR_OPEN, ID_FILEMGR_RENAME, ID_FILEMGR_DELETE}));
+    const auto questions = m_prompt.Asked(ScriptedPrompt::Kind::YesNo);
+    ASSERT_EQ(questions.size(), 1u);
+    EXPECT_NE(questions[0].text.find(L"\"a.txt\""), std::wstring::npos) << questions[0].text;
 }
 
 TEST_F(FileManagerTest, BurstOfSelectionChangesUpdatesTheButtonsOnce) {
@@ -199,7 +315,13 @@ TEST_F(FileManagerTest, WithoutLevelZeroTheServiceFeaturesNeverAppear) {
 
     CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
     const size_t visible = Names(instrument).size();
-    QTest::keyClick(&dialog, Qt::Key_H, Qt::AltModifier);
+    // Alt+H goes on to the control that has the focus instead of being taken by the dialog.
+    dialog.activateWindow();
+    instrument->setFocus();
+    KeyCounter keys;
+    instrument->installEventFilter(&keys);
+    QTest::keyClick(instrument, Qt::Key_H, Qt::AltModifier);
+    EXPECT_EQ(keys.altH, 1);
     EXPECT_FALSE(dialog.ShowHiddenEntries());
     EXPECT_EQ(Names(instrument).size(), visible);
     EXPECT_EQ(RowOf(instrument, L".config.level"), -1);

@@ -280,6 +280,28 @@ TEST(SensorObject, BusyChannelAndReenteredTimerKeepSensorOnline) {
     EXPECT_TRUE(s.sensor.IsOnline(true));
 }
 
+// A first mask selects exactly what it names; an observer that set none keeps everything.
+TEST(SensorObserver, FirstMaskSelectsAndOthersKeepTheirOwn) {
+    RecordingObserver dialog;
+    dialog.SetSensorMask(kEventMaskReserved | kEventMaskBackup | kEventMaskState, 1);
+    dialog.SetAllDeviceMasks(kEventMaskReserved | kEventMaskBackup, 1);
+    RecordingObserver everything;
+    RecordingObserver allButMethods;
+    allButMethods.SetAllDeviceMasks(kEventMaskProcessEnded, 0);
+    struct Case {
+        uint32_t code;
+        bool dialog;
+        bool allButMethods;
+    };
+    for (const Case& c : {Case{kSensorEventOffline, true, true}, Case{kSensorEventOnline, true, true},
+                          Case{kSensorEventBackup, true, true}, Case{kSensorEventMethodEnded, false, false},
+                          Case{0x100200, false, true}, Case{0x1234, false, true}}) {
+        EXPECT_EQ(dialog.Accepts(c.code), c.dialog) << std::hex << c.code;
+        EXPECT_TRUE(everything.Accepts(c.code)) << std::hex << c.code;
+        EXPECT_EQ(allButMethods.Accepts(c.code), c.allButMethods) << std::hex << c.code;
+    }
+}
+
 TEST(SensorObserver, MasksFilterNotifications) {
     FakeSensor sensor(L"h");
     RecordingObserver observer;
