@@ -60,6 +60,15 @@ QString Glyph(const QString& name) {
 QIcon ToolIcons::ModuleIcon(int iconId) {
     if (iconId <= 0)
         return {};
+    // An icon drawn at both sizes, as a module's icon resource holds them.
+    QIcon sized;
+    for (int size : {16, 32}) {
+        const QString path = QStringLiteral(":/icons/%1-%2.png").arg(iconId).arg(size);
+        if (QFile::exists(path))
+            sized.addFile(path, QSize(size, size));
+    }
+    if (!sized.isNull())
+        return sized;
     for (const char* suffix : {".png", ".svg", ".ico"}) {
         const QString path = QStringLiteral(":/icons/%1%2").arg(iconId).arg(QLatin1String(suffix));
         if (QFile::exists(path))

@@ -1,7 +1,8 @@
 #pragma once
 // Icons of a sensor type's tools. A module ships its icon images as Qt resources named by icon id
-// (":/icons/<id>.png", ".svg" or ".ico"); when it has none, a drawn icon in the colour of the
-// tool's category with the tool's initial stands in, so that every tool still looks distinct.
+// (":/icons/<id>-16.png" with ":/icons/<id>-32.png", or one ":/icons/<id>.png", ".svg" or ".ico"); when it
+// has none, a drawn icon in the colour of the tool's category with the tool's initial stands in, so that
+// every tool still looks distinct.
 #include <QIcon>
 
 struct SensorTool;

@@ -2,9 +2,12 @@
 // replay command and the file description.
 #include "vexafiledescription.h"
 #include "vexafilekinds.h"
+#include "vexaicons.h"
 #include "vexatextfile.h"
 
 #include <gtest/gtest.h>
+
+#include <QImage>
 
 #include <ctime>
 
@@ -77,4 +80,23 @@ TEST(FileManagerHelpers, DescriptionNamesTheFileItsKindAndTime) {
     EXPECT_EQ(VexaFileKindText(L"Default.mth"), L"VEXARON Method");
     EXPECT_EQ(VexaFileKindText(L"hosts"), L"Text or configuration file");
     EXPECT_EQ(VexaFileKindText(L"picture.png"), L"File");
+}
+
+// The file manager's two button icons and the ten tools' icons, each drawn at both sizes it is shown in.
+TEST(FileManagerHelpers, EveryIconIsDrawnAtSixteenAndThirtyTwoPixels) {
+    for (int id : {1705, 1706, 1707, 1708, 1709, 1711, 1714, 1715, 1716, 1721, 1722, 1723}) {
+        const QIcon icon = VexaIcon(id);
+        ASSERT_FALSE(icon.isNull()) << id;
+        const QList<QSize> sizes = icon.availableSizes();
+        EXPECT_TRUE(sizes.contains(QSize(16, 16))) << id;
+        EXPECT_TRUE(sizes.contains(QSize(32, 32))) << id;
+        // Not an empty frame: some pixels are opaque.
+        const QImage image = icon.pixmap(QSize(32, 32)).toImage();
+        int opaque = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                opaque += qAlpha(image.pixel(x, y)) > 200;
+        EXPECT_GT(opaque, 100) << id;
+    }
+    EXPECT_TRUE(VexaIcon(1710).isNull());
 }

@@ -18,6 +18,9 @@
 #include <QTreeWidget>
 
 namespace {
+// The module's Manage Files dialog template.
+constexpr int kManageFilesTemplate = 1701;
+
 int ToolRow(StudioWindow& window, const QString& name) {
     for (int i = 0; i < window.Tools()->ToolCount(); ++i) {
         if (window.Tools()->ToolName(i) == name)
@@ -102,26 +105,31 @@ TEST_F(StudioTest, StatusToolShowsTheStatusPanel) {
     EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
 }
 
-TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndReportsAMissingDialog) {
+TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndOpensTheDialog) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
     {
         ScriptedPrompt prompt;
         window.RunTool(ToolRow(window, "Manage Files"));
         ASSERT_EQ(Messages(prompt).size(), 1);
         EXPECT_TRUE(Messages(prompt)[0].contains("select one in the list first"));
+        EXPECT_TRUE(prompt.Asked(ScriptedPrompt::Kind::Dialog).empty());
     }
     const int row =
         window.Sensors().Add({"Bench", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true);
     window.SelectRow(row);
     ScriptedPrompt prompt;
+    std::wstring title;
+    prompt.QueueDialog([&title](CDialog_& dialog) {
+        title = dialog.windowTitle().toStdWString();
+        return IDCANCEL;
+    });
     window.RunTool(ToolRow(window, "Manage Files"));
-    // The module either runs its dialog (answered here by the scripted prompt) or has none in this build.
-    if (prompt.Asked(ScriptedPrompt::Kind::Dialog).empty())
-        EXPECT_TRUE(
-            LogText().contains("The Manage Files dialog is not available in this build of the VEXA module"))
-            << LogText().toStdString();
-    else
-        EXPECT_TRUE(LogText().contains("Manage Files on Bench closed")) << LogText().toStdString();
+    const auto dialogs = prompt.Asked(ScriptedPrompt::Kind::Dialog);
+    ASSERT_EQ(dialogs.size(), 1u) << LogText().toStdString();
+    EXPECT_EQ(dialogs[0].templateId, kManageFilesTemplate);
+    EXPECT_EQ(title, L"Manage Files");
+    EXPECT_TRUE(Messages(prompt).isEmpty()) << "an off-line instrument opens the dialog without a message";
+    EXPECT_TRUE(LogText().contains("Manage Files on Bench closed.")) << LogText().toStdString();
 }
 
 TEST_F(StudioTest, TuneNeedsAnInstrumentOnLine) {
