@@ -45,6 +45,7 @@ VXSStdioFileImpl::VXSStdioFileImpl(const std::wstring& host, const std::wstring&
 
     if (m_sensor == nullptr || !m_sensor->IsSocketValid()) {
         m_error = kWsaNotConn;
+        ReleaseSensor();
         return;
     }
     std::string pathUtf8 = ToUtf8(path);
@@ -52,29 +53,24 @@ VXSStdioFileImpl::VXSStdioFileImpl(const std::wstring& host, const std::wstring&
     if (!prefixOk || pathUtf8.empty() || pathUtf8.size() >= size_t(kRequestArgSize) || path.empty() ||
         mode.empty() || !ParseMode(mode)) {
         m_error = kErrInvalid;
+        ReleaseSensor();
         return;
     }
     m_error = 0;
 
     if (m_openForReading) {
         BuildRequestFrame(m_frame, kCmdOpenRead, 0, m_transferId, pathUtf8, "");
-        m_requestSent = true;
         if (m_sensor->SendBytes(m_frame, kRequestFrameSize) != kRequestFrameSize) {
             // Reads as an empty file; the cause stays in the sensor's link error.
             Close();
             return;
         }
-        if (!FetchData(m_transferId)) {
-            m_broken = true;
-            return;
-        }
-        m_streaming = true;
-        m_fileLength = int(m_header.extra);
+        if (FetchData(m_transferId))
+            m_fileLength = int(m_header.extra);
         return;
     }
 
     BuildRequestFrame(m_frame, kCmdOpenWrite, kFlagOpenWrite, m_transferId, pathUtf8, "");
-    m_requestSent = true;
     if (m_sensor->SendBytes(m_frame, kRequestFrameSize) != kRequestFrameSize) {
         Close();
         return;
@@ -82,7 +78,7 @@ VXSStdioFileImpl::VXSStdioFileImpl(const std::wstring& host, const std::wstring&
     ResetDataHeader();
     m_header.argument = m_transferId;
     m_header.subArgument = kUploadSubArgument;
-    m_writeOpened = true;
+    m_state = State::kStreaming;
 }
 
 VXSStdioFileImpl::~VXSStdioFileImpl() {
@@ -128,26 +124,30 @@ bool VXSStdioFileImpl::ParseMode(const std::wstring& mode) {
     return true;
 }
 
+void VXSStdioFileImpl::ReleaseSensor() {
+    if (m_sensor) {
+        m_sensor->DecRef();
+        m_sensor = nullptr;
+    }
+    m_state = State::kClosed;
+}
+
 bool VXSStdioFileImpl::Close() {
-    if (m_closed)
+    if (m_state == State::kClosed)
         return true;
-    m_closed = true;
-    bool lastFrameSent = true;
-    if (!m_openForReading && m_writeOpened && m_sensor) {
+    bool lastFrameSent = m_state == State::kStreaming;
+    if (!m_openForReading && m_state == State::kStreaming) {
         // The last data frame, without "more follows"; an empty file sends one of length 0. Nothing
         // answers a write, so only whether the frame left is known.
         m_header.flags &= uint16_t(~kFlagMore);
         lastFrameSent = SendBuffer();
     }
-    if (m_openForReading && m_streaming && !m_endOfFile && !m_outOfStep && m_sensor)
-        DrainRead();
-    // Gives the instrument time to finish the file before the next request.
-    if (m_requestSent)
-        PumpWait(kCloseWaitMs);
-    if (m_sensor) {
-        m_sensor->DecRef();
-        m_sensor = nullptr;
-    }
+    if (m_openForReading && m_state == State::kStreaming)
+        EndStream(true);
+    // A request went out (or was tried): the instrument is given time to finish the file before the
+    // next one.
+    PumpWait(kCloseWaitMs);
+    ReleaseSensor();
     return lastFrameSent;
 }
 
@@ -156,13 +156,16 @@ bool VXSStdioFileImpl::SendBuffer() {
         return false;
     EncodeHeader(m_header, m_frame);
     const int size = kFrameHeaderSize + int(m_header.length);
-    return m_sensor->SendBytes(m_frame, size) == size;
+    if (m_sensor->SendBytes(m_frame, size) == size)
+        return true;
+    if (const int linkError = m_sensor->GetLastLinkError(); linkError != 0)
+        m_error = linkError;
+    return false;
 }
 
 bool VXSStdioFileImpl::ReceiveFrame() {
     if (m_sensor->ReceiveBytes(m_frame, kFrameHeaderSize) != kFrameHeaderSize) {
-        m_header.length = 0;
-        m_outOfStep = true;
+        TakeLinkError();
         return false;
     }
     m_header = DecodeHeader(m_frame);
@@ -173,7 +176,6 @@ bool VXSStdioFileImpl::ReceiveFrame() {
         m_error = EPROTO;
         m_replyText = L"the instrument sent more than the file's announced length";
         m_header.length = 0;
-        m_outOfStep = true;
         m_sensor->CloseLink();
         return false;
     }
@@ -182,70 +184,95 @@ bool VXSStdioFileImpl::ReceiveFrame() {
     if (m_header.length > uint32_t(kMaxPayload)) {
         m_error = kErrTooLarge;
         m_header.length = 0;
-        m_outOfStep = true;
         return false;
     }
     const int length = int(m_header.length);
     if (m_sensor->ReceiveBytes(m_frame + kFrameHeaderSize, length) != length) {
-        m_header.length = 0;
-        m_outOfStep = true;
+        TakeLinkError();
         return false;
     }
     return true;
 }
 
+void VXSStdioFileImpl::TakeLinkError() {
+    m_header.length = 0;
+    // The link's own failure (time-out, reset) is what the user must read, not a later call's.
+    if (const int linkError = m_sensor->GetLastLinkError(); linkError != 0)
+        m_error = linkError;
+}
+
+void VXSStdioFileImpl::EndStream(bool inStep) {
+    if (!m_sensor || !m_sensor->IsSocketValid())
+        return;
+    if (inStep && int64_t(m_fileLength) - m_received <= kDrainLimitBytes) {
+        DrainRead();
+        return;
+    }
+    // A fresh connection drops whatever the instrument still sends; the sensor stays on line.
+    m_sensor->ReopenLink();
+}
+
 void VXSStdioFileImpl::DrainRead() {
-    // A file closed before its end leaves the instrument's remaining frames on the link; they are
-    // taken off here so that the next request's answer is not mistaken for them. Each receive is
-    // bounded by the link's time limit, and a failure ends the wait.
-    while (m_sensor->IsSocketValid() && ReceiveFrame()) {
+    // The remaining frames are taken off so that the next request's answer is not mistaken for them.
+    // Each receive is bounded by the link's time limit.
+    while (ReceiveFrame()) {
         if (m_header.kind == kFrameReply && m_header.argument == m_transferId && m_header.length >= 4 &&
             GetU32(m_frame + kFrameHeaderSize) != 0)
-            break;
+            return;
         if (m_header.kind == kFrameData && (m_header.flags & kFlagMore) == 0)
-            break;
+            return;
     }
-    m_endOfFile = true;
+    // A frame was cut short: what follows on the link cannot be trusted.
+    if (m_sensor->IsSocketValid())
+        m_sensor->ReopenLink();
 }
 
 bool VXSStdioFileImpl::FetchData(uint32_t transferId) {
-    if (m_sensor == nullptr)
-        return m_readPos == 0;
-    if (m_endOfFile)
-        return true;
     m_readPos = 0;
-    uint8_t* payload = m_frame + kFrameHeaderSize;
+    const uint8_t* payload = m_frame + kFrameHeaderSize;
     for (;;) {
-        if (!ReceiveFrame())
+        if (!ReceiveFrame()) {
+            EndStream(false);
+            m_state = State::kFailed;
             return false;
+        }
         if (m_header.kind == kFrameReply && (transferId == 0 || m_header.argument == transferId)) {
             const uint32_t status = m_header.length >= 4 ? GetU32(payload) : 0;
             if (status != 0) {
+                // The instrument has ended this transfer: nothing more of it follows.
                 m_error = int(status);
                 m_replyText = ReplyText(payload, m_header.length);
                 m_header.length = 0;
-                m_endOfFile = true; // the instrument has ended this transfer
+                m_state = State::kFailed;
                 return false;
             }
         }
-        if (m_header.kind == kFrameData) {
-            // Data frames are taken whatever their id: only replies are matched.
-            if ((m_header.flags & kFlagMore) == 0)
-                m_endOfFile = true;
-            if (m_header.flags & kFlagCompressed) {
-                size_t expanded = sizeof m_scratch;
-                if (!UncompressBuffer(m_scratch, &expanded, payload, m_header.length)) {
-                    m_header.length = 0;
-                    return false;
-                }
-                std::memcpy(payload, m_scratch, expanded);
-                m_header.length = uint32_t(expanded);
-                m_header.flags &= uint16_t(~kFlagCompressed);
-            }
-            return true;
-        }
+        // Data frames are taken whatever their id: only replies are matched.
+        if (m_header.kind == kFrameData)
+            return AcceptData();
         // A reply with status 0, a reply for another transfer or another kind of frame: skipped.
     }
+}
+
+bool VXSStdioFileImpl::AcceptData() {
+    const bool last = (m_header.flags & kFlagMore) == 0;
+    if (m_header.flags & kFlagCompressed) {
+        uint8_t* payload = m_frame + kFrameHeaderSize;
+        size_t expanded = sizeof m_scratch;
+        if (!UncompressBuffer(m_scratch, &expanded, payload, m_header.length)) {
+            m_header.length = 0;
+            if (!last)
+                EndStream(true);
+            m_state = State::kFailed;
+            return false;
+        }
+        std::memcpy(payload, m_scratch, expanded);
+        m_header.length = uint32_t(expanded);
+        m_header.flags &= uint16_t(~kFlagCompressed);
+    }
+    m_received += m_header.length;
+    m_state = last ? State::kEnded : State::kStreaming;
+    return true;
 }
 
 int VXSStdioFileImpl::Read(void* buffer, int count) {
@@ -257,17 +284,15 @@ int VXSStdioFileImpl::Read(void* buffer, int count) {
         m_error = kErrBadFile;
         return -1;
     }
-    // After a failed frame the stream is out of step: never read on past a hole.
-    if (m_broken)
+    // After a failed frame the stream has a hole: never read on past it.
+    if (m_state == State::kFailed)
         return -1;
     auto* out = static_cast<uint8_t*>(buffer);
     int copied = 0;
     for (;;) {
-        if (m_readPos >= int(m_header.length) && !FetchData(m_transferId)) {
-            // Bytes already copied in this call are lost with the failure, as callers expect.
-            m_broken = true;
+        // Bytes already copied in this call are lost with a failed fetch, as callers expect.
+        if (m_readPos >= int(m_header.length) && m_state == State::kStreaming && !FetchData(m_transferId))
             return -1;
-        }
         const int left = int(m_header.length) - m_readPos;
         if (left <= 0)
             return copied;
@@ -285,7 +310,9 @@ int VXSStdioFileImpl::Write(const void* buffer, int count) {
         m_error = kErrInvalid;
         return -1;
     }
-    if (m_openForReading || m_closed) {
+    if (m_state == State::kFailed)
+        return -1;
+    if (m_openForReading || m_state != State::kStreaming) {
         m_error = kErrBadFile;
         return -1;
     }
@@ -296,8 +323,10 @@ int VXSStdioFileImpl::Write(const void* buffer, int count) {
         // whole file is.
         if (m_header.length == uint32_t(kMaxPayload)) {
             m_header.flags |= kFlagMore;
-            if (!SendBuffer())
+            if (!SendBuffer()) {
+                m_state = State::kFailed;
                 return -1;
+            }
             m_header.length = 0;
         }
         const int room = kMaxPayload - int(m_header.length);

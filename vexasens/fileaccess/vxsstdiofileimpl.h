@@ -6,6 +6,10 @@
 // The object holds its frame buffer (header and a full payload) and its decompression scratch area,
 // about 128 KiB: create it on the heap.
 //
+// A file goes through one state at a time (see State). A read that ends before the file does leaves the
+// instrument's remaining frames on the link: a short remainder is read off and dropped, a long one is
+// cut by reopening the link, which is quicker than receiving it on a slow field link.
+//
 // Thread rule: used by one thread at a time (the user-interface thread or a copy worker). Each send
 // and receive holds the sensor's link lock for that call only.
 #include "linkframe.h"
@@ -41,6 +45,15 @@ public:
     // module itself ignores the result; the host's StdioFile::Close reports whether the last frame left.
     bool Close() override;
 
+    enum class State {
+        kOpening,   // the open request is on its way; nothing is known of the file yet
+        kStreaming, // reading: data frames follow on the link; writing: data frames may be sent
+        kEnded,     // reading: the last data frame arrived; the buffer may still hold bytes
+        kFailed,    // a frame, a send or the instrument failed the file: reads and writes fail
+        kClosed,    // nothing more happens; the sensor is let go
+    };
+    State GetState() const { return m_state; }
+
     bool IsTextMode() const { return m_textMode; }
     bool IsCompressedMode() const { return m_compressedMode; }
     uint32_t TransferId() const { return m_transferId; }
@@ -53,11 +66,20 @@ public:
     // that are skipped). A stream that runs past this is a lie or never ends: the read fails with
     // EPROTO and the link is closed, as its byte stream can no longer be followed.
     static constexpr uint64_t kStreamSlack = 1 << 20;
+    // Up to this many bytes left of a file closed early are read off the link; beyond it the link is
+    // reopened instead.
+    static constexpr int64_t kDrainLimitBytes = 4 * int64_t(kMaxPayload);
 
 private:
     bool ParseMode(const std::wstring& mode);
     bool FetchData(uint32_t transferId);
+    bool AcceptData();
     bool ReceiveFrame();
+    void TakeLinkError();
+    void ReleaseSensor();
+    // Leaves the link ready for the next request while frames of this file are still coming: the
+    // remainder is read off or the link reopened. `inStep`: the link is at a frame boundary.
+    void EndStream(bool inStep);
     void DrainRead();
     bool SendBuffer();
     void ResetDataHeader();
@@ -66,18 +88,13 @@ private:
     std::wstring m_replyText;
     VEXASensorObject* m_sensor = nullptr;
     FrameHeader m_header;
+    State m_state = State::kOpening;
     int m_readPos = 0;
-    bool m_endOfFile = false;
     int m_fileLength = 0;
+    int64_t m_received = 0; // file bytes that arrived (expanded), to judge what a cut leaves behind
     bool m_openForReading = true;
     bool m_textMode = false;
     bool m_compressedMode = false;
-    bool m_writeOpened = false; // the open-for-writing request went out whole
-    bool m_requestSent = false; // a request reached the link, so the instrument is owed the close wait
-    bool m_closed = false;
-    bool m_broken = false;      // a frame failed: later reads fail rather than skip a hole
-    bool m_streaming = false;   // the first data frame arrived: the rest follows on the link
-    bool m_outOfStep = false;   // a frame was cut short: the link's byte stream cannot be trusted
     uint64_t m_streamBytes = 0; // every byte received for this file, headers included
     uint32_t m_transferId = 0;
     // Header bytes directly followed by the payload, so a data frame leaves in one send.

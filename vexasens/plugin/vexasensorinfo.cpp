@@ -36,12 +36,22 @@ constexpr int kKeyShift = 0x10;
 
 const wchar_t kSafetySection[] = L"NIOSH";
 const wchar_t kSafetyValue[] = L"Path";
-const wchar_t kDefaultSafetyPage[] = L"C:\\NIOSHDBS\\start.htm";
 #ifdef _WIN32
+const wchar_t kDefaultSafetyPage[] = L"C:\\NIOSHDBS\\start.htm";
 const wchar_t kSafetyPickerFolder[] = L"C:\\";
 #else
 const wchar_t kSafetyPickerFolder[] = L"/";
 #endif
+
+// Where the safety databases are installed unless the operator chose another page: beside the suite's
+// other data.
+std::wstring DefaultSafetyPage() {
+#ifdef _WIN32
+    return kDefaultSafetyPage;
+#else
+    return JoinPath(JoinPath(PXGetRootDir(), L"NIOSHDBS", kNativeSeparator), L"start.htm", kNativeSeparator);
+#endif
+}
 // Each pass waits for the operator to pick a file; the bound only guards against a picker that keeps
 // answering without one.
 constexpr int kMaxSafetyPageAttempts = 100;
@@ -180,7 +190,7 @@ void VEXASensorInfo::RunTool(int category, int index) {
 void VEXASensorInfo::OpenSafetyDatabase() {
     PXResourceScope scope(VexaResourceModule());
     CPXRegistry& registry = CPXRegistry::Instance();
-    std::wstring path = registry.GetString(kSafetySection, kSafetyValue, kDefaultSafetyPage);
+    std::wstring path = registry.GetString(kSafetySection, kSafetyValue, DefaultSafetyPage());
     int result = ShellOpen(path);
     for (int attempt = 0; result == kProgramNotFound; ++attempt) {
         std::wstring chosen;

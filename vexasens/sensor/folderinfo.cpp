@@ -7,6 +7,7 @@
 #include "pxformat.h"
 #include "pxresource.h"
 #include "remotename.h"
+#include "stringtable.h"
 #include "text.h"
 
 #include <cwctype>
@@ -114,8 +115,11 @@ bool VEXASensorObject::GetFolderInfo(unsigned kind, std::wstring* workstationFol
     }
     if (instrumentFolder)
         *instrumentFolder = k.instrument ? std::wstring(k.instrument) : m_instrumentDataFolder;
-    if (filter)
+    if (filter) {
+        // The ids are this module's: another loaded module's table must not answer for them.
+        PXResourceScope scope(VexaResourceModule());
         *filter = PXLoadCString(k.filterId);
+    }
     if (defaultExtension)
         *defaultExtension = k.extension;
     return true;

@@ -203,6 +203,14 @@ void VEXASensorObject::CloseLink() {
     m_link.Close();
 }
 
+bool VEXASensorObject::ReopenLink() {
+    m_link.Open(GetSensorAddress().GetHostname(), kLinkPort);
+    if (m_link.IsOpen())
+        return true;
+    Disconnect(0);
+    return false;
+}
+
 bool VEXASensorObject::IsSocketValid() const {
     return m_link.IsOpen();
 }

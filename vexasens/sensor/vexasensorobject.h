@@ -53,6 +53,10 @@ public:
     int SendBytes(const void* buffer, int count);
     // Closes the socket if open; idempotent.
     void CloseLink();
+    // Replaces the link's connection with a fresh one (and its hello) without going off line, so the
+    // observers see nothing; what the instrument was still sending on the old one is dropped. When no
+    // new connection can be made the sensor goes off line as after a time-out. Returns IsSocketValid().
+    bool ReopenLink();
     // Whether the link socket is open (the file back ends' "socket valid" test).
     bool IsSocketValid() const;
 

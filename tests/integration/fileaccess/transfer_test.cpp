@@ -1,6 +1,7 @@
 // Files to and from the simulator through the folder lists and the link back ends: round trips at the
 // frame boundaries, Unicode names, cancel in both directions, and the simulator's faults.
 #include "copyjob.h"
+#include "recordingobserver.h"
 #include "simfixture.h"
 #include "stdiofile.h"
 #include "text.h"
@@ -11,6 +12,8 @@
 
 #include <chrono>
 #include <filesystem>
+
+#include <unistd.h>
 
 namespace {
 
@@ -158,6 +161,36 @@ TEST(SimTransfer, CancelMidwayKeepsTheOldFileInBothDirections) {
     EXPECT_EQ(remote.Count(), 3);
     EXPECT_TRUE(local.CopyIn(*remote.Find(L"down.bin"), remote, nullptr));
     EXPECT_TRUE(ReadWholeFile(pc.file("down.bin")) == big);
+}
+
+// A read closed early with much of the file still to come cuts the stream with a fresh connection:
+// reading the rest would run into the instrument's stall, time out and take the sensor off line.
+TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
+    constexpr int64_t kSize = 64 << 20;
+    SimulatedInstrument instrument({"--no-compress", "--fault", "stall-after=8388608"});
+    ASSERT_TRUE(instrument.online());
+    ASSERT_EQ(::truncate(instrument.tree().createFile("Data/huge.bin").c_str(), kSize), 0);
+    const std::string small = RandomBytes(300000, 3);
+    instrument.tree().createFile("Data/small.bin", small);
+    RecordingObserver observer;
+    observer.SetSensor(instrument.sensor());
+
+    StdioFile huge;
+    ASSERT_TRUE(huge.Open(instrument.Remote(L"/Data/huge.bin"), L"rb"));
+    std::vector<char> block(16384);
+    for (int64_t done = 0; done < kSize / 10; done += int64_t(block.size()))
+        ASSERT_EQ(huge.Read(block.data(), int(block.size())), int(block.size()));
+    huge.Close();
+
+    EXPECT_TRUE(instrument.online());
+    EXPECT_TRUE(observer.Codes().empty()) << "observers saw the link change";
+    StdioFile next;
+    ASSERT_TRUE(next.Open(instrument.Remote(L"/Data/small.bin"), L"rb"));
+    std::string back(small.size() + 1, '\0');
+    EXPECT_EQ(next.Read(back.data(), int(back.size())), int(small.size()));
+    back.resize(small.size());
+    EXPECT_TRUE(back == small);
+    observer.SetSensor(nullptr);
 }
 
 TEST(SimTransfer, CopyJobCopiesATreeBothWays) {

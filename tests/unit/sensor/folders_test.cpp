@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <vector>
 
 namespace {
 
@@ -78,6 +79,26 @@ TEST_F(SensorFolders, TableGivesFoldersAndExtensionsForEveryKind) {
     EXPECT_FALSE(sensor->GetFolderInfo(15, &untouched, &untouched, &untouched, &untouched));
     EXPECT_EQ(untouched, L"keep");
     EXPECT_TRUE(sensor->GetFolderInfo(3, nullptr, nullptr, nullptr, nullptr)) << "every output is optional";
+}
+
+// Another module's table that knows the same ids, found first by the loader, answers nothing here.
+TEST_F(SensorFolders, FilterTextsComeFromThisModulesTable) {
+    std::size_t count = 0;
+    const PXStringEntry* own = VexaStringTable(&count);
+    std::vector<PXStringEntry> foreign;
+    for (std::size_t i = 0; i < count; ++i)
+        foreign.push_back({own[i].id, L"foreign"});
+    static const int otherModule = 0;
+    SensorHandle sensor(L"127.0.0.3");
+    UnregisterVexaStrings();
+    PXRegisterStringTable(&otherModule, foreign.data(), foreign.size());
+    RegisterVexaStrings();
+    ASSERT_EQ(PXLoadCString(own[0].id), L"foreign") << "the other table must be the first one asked";
+
+    std::wstring filter;
+    EXPECT_TRUE(sensor->GetFolderInfo(3, nullptr, nullptr, &filter, nullptr));
+    PXUnregisterStringTable(&otherModule);
+    EXPECT_EQ(filter, L"Log Files (*.log)|*.log|Event Log Files (*.evt)|*.evt|All Files (*.*)|*.*|");
 }
 
 TEST_F(SensorFolders, NextFileNameNumbersPastTheHighestMatch) {

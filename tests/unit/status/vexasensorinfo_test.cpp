@@ -1,6 +1,7 @@
 // The plug-in description: identity, file types, tools, edit rights, sensor objects and the tools of
 // category 6031 that it runs itself.
 #include "externalprograms.h"
+#include "paths.h"
 #include "recordingtoolui.h"
 #include "registry.h"
 #include "stringtable.h"
@@ -210,7 +211,7 @@ TEST_F(VexaSensorInfoTest, SafetyDatabaseAsksForAMissingPageAndRemembersIt) {
     // is stored.
     info.RunTool(6031, 3);
     ASSERT_EQ(ui.asked.size(), 1u);
-    EXPECT_EQ(ui.asked[0].current, L"C:\\NIOSHDBS\\start.htm");
+    EXPECT_EQ(ui.asked[0].current, PXGetRootDir() + L"/NIOSHDBS/start.htm");
     EXPECT_EQ(ui.asked[0].filter, L"All Files (*.*)|*.*|");
     EXPECT_FALSE(Settings().GetString(L"NIOSH", L"Path").has_value());
 
