@@ -106,9 +106,9 @@ bool CVexaFileSelectDlg::OnInitDialog() {
         return true;
 
     if (auto* up = qobject_cast<CPXNoFocusButton*>(GetDlgItem(IDC_SELECT_UP)))
-        up->SetIcon(VexaLoadIcon(IDI_UP_FOLDER, this));
+        up->SetIcon(VexaIcon(IDI_UP_FOLDER));
     if (auto* newFolder = qobject_cast<CPXNoFocusButton*>(GetDlgItem(IDC_SELECT_NEW_FOLDER)))
-        newFolder->SetIcon(VexaLoadIcon(IDI_NEW_FOLDER, this));
+        newFolder->SetIcon(VexaIcon(IDI_NEW_FOLDER));
     EnableControl(IDOK, SelectOkEnabledAtStart(m_flags, m_fileName));
     m_nameEdit->setFocus();
     return false;

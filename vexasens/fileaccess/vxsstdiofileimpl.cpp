@@ -135,7 +135,8 @@ void VXSStdioFileImpl::ReleaseSensor() {
 bool VXSStdioFileImpl::Close() {
     if (m_state == State::kClosed)
         return true;
-    bool lastFrameSent = m_state == State::kStreaming;
+    // A read has nothing left to deliver at close; a write must still get its last frame out.
+    bool lastFrameSent = m_openForReading || m_state == State::kStreaming;
     if (!m_openForReading && m_state == State::kStreaming) {
         // The last data frame, without "more follows"; an empty file sends one of length 0. Nothing
         // answers a write, so only whether the frame left is known.
