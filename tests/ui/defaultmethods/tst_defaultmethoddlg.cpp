@@ -41,6 +41,7 @@ private slots:
     void editedMethodsAreKeptDeletedOnesReinstalled();
     void restoreMarksChangedAndMissingAndWritesOnlyTicked();
     void damagedModuleIsReportedAndTheDialogStillOpens();
+    void screenshot();
 
 private:
     // Opens the dialog, runs `check` on it while it is up, then closes it with Cancel.
@@ -202,6 +203,19 @@ void DefaultMethodDlgTest::damagedModuleIsReportedAndTheDialogStillOpens() {
     const auto messages = m_prompt->Asked(ScriptedPrompt::Kind::Message);
     QCOMPARE(messages.size(), size_t(1));
     QVERIFY(messages[0].text.find(L"QVBroken.ddll") != std::wstring::npos);
+}
+
+// Not a check: with VEXA_SCREENSHOT set, saves a picture of the dialog over the shipped modules.
+void DefaultMethodDlgTest::screenshot() {
+    const char* target = std::getenv("VEXA_SCREENSHOT");
+    if (!target)
+        QSKIP("VEXA_SCREENSHOT names no file");
+    WithDialog([&](CDefaultMethodDlg& dialog, CPXGridCtrl& grid) {
+        dialog.resize(980, 380);
+        grid.SelectCell(2, 0);
+        QTest::qWait(300);
+        QVERIFY(dialog.grab().save(QString::fromLocal8Bit(target)));
+    });
 }
 
 QTEST_MAIN(DefaultMethodDlgTest)
