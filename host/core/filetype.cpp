@@ -1,10 +1,11 @@
 #include "filetype.h"
 
+#include "remotename.h"
+
 std::wstring GetFileType(const std::wstring& name) {
-    size_t slash = name.find_last_of(L"/\\");
-    size_t start = slash == std::wstring::npos ? 0 : slash + 1;
-    size_t dot = name.rfind(L'.');
-    if (dot == std::wstring::npos || dot < start)
+    const std::wstring file = LastPathPart(name);
+    const size_t dot = file.rfind(L'.');
+    if (dot == std::wstring::npos)
         return {};
-    return name.substr(dot + 1);
+    return file.substr(dot + 1);
 }

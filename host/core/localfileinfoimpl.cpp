@@ -2,6 +2,7 @@
 #include "fileinfo.h"
 
 #include "paths.h"
+#include "remotename.h"
 #include "text.h"
 #include "wildmatch.h"
 #include "winsockerror.h"
@@ -128,10 +129,8 @@ public:
                 *previewSize = 0;
             return Fail(errno);
         }
-        if (entry) {
-            const size_t cut = path.find_last_of(L'/');
-            FillEntry(*entry, cut == std::wstring::npos ? path : path.substr(cut + 1), st);
-        }
+        if (entry)
+            FillEntry(*entry, LastPathPart(path), st);
         if (previewSize) {
             int wanted = preview ? *previewSize : 0;
             *previewSize = 0;

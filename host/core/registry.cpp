@@ -19,14 +19,6 @@
 
 namespace {
 
-std::string Trim(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string::npos)
-        return {};
-    const size_t last = text.find_last_not_of(" \t\r");
-    return text.substr(first, last - first + 1);
-}
-
 std::string DefaultSettingsPath() {
     if (const char* explicitPath = std::getenv("VEXA_SETTINGS"); explicitPath && *explicitPath)
         return explicitPath;
@@ -160,21 +152,21 @@ void CPXRegistry::LoadLocked() {
         if (first && line.starts_with("\xEF\xBB\xBF"))
             line.erase(0, 3);
         first = false;
-        line = Trim(line);
+        line = std::string(TrimBlanks(line));
         if (line.empty() || line[0] == ';' || line[0] == '#')
             continue;
         if (line.front() == '[' && line.back() == ']') {
-            section = Trim(line.substr(1, line.size() - 2));
+            section = std::string(TrimBlanks(line.substr(1, line.size() - 2)));
             continue;
         }
         const size_t eq = line.find('=');
         if (eq == std::string::npos)
             continue;
         std::string keySection, key;
-        SplitKeyPath(section, Trim(line.substr(0, eq)), &keySection, &key);
+        SplitKeyPath(section, std::string(TrimBlanks(line.substr(0, eq))), &keySection, &key);
         if (key.empty())
             continue;
-        m_sections[keySection][key] = Unquote(Trim(line.substr(eq + 1)));
+        m_sections[keySection][key] = Unquote(std::string(TrimBlanks(line.substr(eq + 1))));
     }
 }
 

@@ -59,6 +59,24 @@ bool ParseFilename(const std::wstring& name, std::wstring* folder, std::wstring*
     return false;
 }
 
+std::wstring LastPathPart(const std::wstring& name) {
+    std::wstring file;
+    ParseFilename(name, nullptr, &file, nullptr);
+    return file;
+}
+
+std::wstring FolderOfPath(const std::wstring& name) {
+    std::wstring folder;
+    ParseFilename(name, &folder, nullptr, nullptr);
+    return folder;
+}
+
+std::wstring WithoutTrailingSlash(std::wstring path) {
+    while (path.size() > 1 && (path.back() == L'/' || path.back() == kNativeSeparator))
+        path.pop_back();
+    return path;
+}
+
 std::wstring JoinPath(const std::wstring& folder, const std::wstring& name, wchar_t separator) {
     if (folder.empty())
         return name;

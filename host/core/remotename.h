@@ -13,6 +13,15 @@ bool SplitRemoteName(const std::wstring& name, std::wstring* host, std::wstring*
 // the last native or '/' separator, and the host is emptied. Any output may be null.
 bool ParseFilename(const std::wstring& name, std::wstring* folder, std::wstring* file, std::wstring* host);
 
+// The parts of a name as ParseFilename splits it: the last part ("b" of "/a/b" or "@h:/a/b") and the
+// folder ("/a"; "/" for a file in the root; empty for a bare name). A trailing separator makes the
+// last part empty.
+std::wstring LastPathPart(const std::wstring& name);
+std::wstring FolderOfPath(const std::wstring& name);
+
+// Drops trailing '/' (and, on Windows, native separators); a root keeps its own.
+std::wstring WithoutTrailingSlash(std::wstring path);
+
 // Joins folder and name with '/' (no doubled separator) and prefixes "@HOST:" when a host is given.
 std::wstring MakeFilename(const std::wstring& folder, const std::wstring& file, const std::wstring& host);
 

@@ -45,14 +45,6 @@ std::mutex& DataMutex() {
 // again from inside it returns at once.
 thread_local std::vector<const ISensorObject*> t_disconnecting;
 
-std::string Trim(const std::string& text) {
-    const char* blanks = " \t\r\n";
-    const size_t first = text.find_first_not_of(blanks);
-    if (first == std::string::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 // "key=value" lines; lines without '=' or with an empty key are skipped.
 IDevice::Snapshot ParseStatus(const std::string& answer) {
     IDevice::Snapshot values;
@@ -66,10 +58,10 @@ IDevice::Snapshot ParseStatus(const std::string& answer) {
         const size_t eq = line.find('=');
         if (eq == std::string::npos)
             continue;
-        const std::string key = Trim(line.substr(0, eq));
+        const std::string key(TrimBlanks(line.substr(0, eq)));
         if (key.empty())
             continue;
-        values[key] = Trim(line.substr(eq + 1));
+        values[key] = std::string(TrimBlanks(line.substr(eq + 1)));
     }
     return values;
 }
@@ -577,10 +569,6 @@ void ISensorObject::Remove(bool) {
 namespace {
 constexpr size_t kMaxRecipes = 10;
 
-std::wstring PlainName(const std::wstring& path) {
-    const size_t cut = path.find_last_of(L"/\\");
-    return cut == std::wstring::npos ? path : path.substr(cut + 1);
-}
 } // namespace
 
 std::vector<std::wstring> ISensorObject::GetMRURecipe(bool fullNames) const {
@@ -589,7 +577,7 @@ std::vector<std::wstring> ISensorObject::GetMRURecipe(bool fullNames) const {
         return m_mru;
     std::vector<std::wstring> names;
     for (const auto& recipe : m_mru)
-        names.push_back(PlainName(recipe));
+        names.push_back(LastPathPart(recipe));
     return names;
 }
 

@@ -193,6 +193,14 @@ bool EndsWith(std::wstring_view text, std::wstring_view suffix) {
     return text.ends_with(suffix);
 }
 
+std::string_view TrimBlanks(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
 std::wstring ReplaceAll(std::wstring text, std::wstring_view from, std::wstring_view to) {
     if (from.empty())
         return text;

@@ -21,5 +21,8 @@ bool EqualsNoCase(std::wstring_view a, std::wstring_view b);
 // Ends with/starts with, case-sensitive.
 bool StartsWith(std::wstring_view text, std::wstring_view prefix);
 bool EndsWith(std::wstring_view text, std::wstring_view suffix);
+// Without leading and trailing blanks (space, tab, CR, LF).
+std::string_view TrimBlanks(std::string_view text);
+
 // Replaces every occurrence of `from` by `to`.
 std::wstring ReplaceAll(std::wstring text, std::wstring_view from, std::wstring_view to);

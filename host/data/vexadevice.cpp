@@ -17,18 +17,9 @@
 
 namespace {
 
-std::string_view Trim(std::string_view text) {
-    const char* blanks = " \t\r\n";
-    size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    size_t last = text.find_last_not_of(blanks);
-    return text.substr(first, last - first + 1);
-}
-
 // A decimal integer that fits 32 bits, optionally signed; nothing else around it but blanks.
 bool ParseInt(std::string_view text, int* value) {
-    text = Trim(text);
+    text = TrimBlanks(text);
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     if (text.empty())
@@ -46,7 +37,7 @@ bool ParseInt(std::string_view text, int* value) {
 // Any form strtod reads ("0.0025", "1e+30", "nan", "inf", hexadecimal), always with the C locale's
 // decimal point whatever the program's locale is.
 bool ParseDouble(std::string_view text, double* value) {
-    std::string copy(Trim(text));
+    std::string copy(TrimBlanks(text));
     if (copy.empty())
         return false;
     char* end = nullptr;
@@ -157,14 +148,14 @@ std::wstring VexaDevice::getMethodMRU(int index) const {
     std::string text;
     if (index < 0 || !GetValue("methodMRU." + std::to_string(index), &text))
         return {};
-    return FromUtf8(Trim(text));
+    return FromUtf8(TrimBlanks(text));
 }
 
 std::wstring VexaDevice::getActiveProcess(bool* available) const {
     std::string text;
     bool ok = GetValue("process", &text);
     SetAvailable(available, ok);
-    return ok ? FromUtf8(Trim(text)) : std::wstring();
+    return ok ? FromUtf8(TrimBlanks(text)) : std::wstring();
 }
 
 int VexaDevice::getBackupProgress(bool* available) const {

@@ -23,7 +23,8 @@ void ManagedInstrument::Attach(const InstrumentConfig& config, ISensorInfo* sens
         return;
     }
     const ISensorAddress address = sensorType->MakeSensorAddress(config.address.toStdWString(), false);
-    m_sensor = address.IsValid() ? sensorType->CreateSensorObject(nullptr, address) : nullptr;
+    if (address.IsValid())
+        m_sensor.Reset(sensorType->CreateSensorObject(nullptr, address));
     if (!m_sensor) {
         m_problem = tr("the sensor type %1 refused the address %2").arg(config.sensorType, config.address);
         return;
@@ -31,7 +32,7 @@ void ManagedInstrument::Attach(const InstrumentConfig& config, ISensorInfo* sens
     m_sensor->SetName(config.name.toStdWString());
     m_observer = std::make_unique<WSensorObserver>();
     m_observer->SetWnd(this, CSensorNotifyEvent::kDefaultType);
-    m_observer->SetSensor(m_sensor);
+    m_observer->SetSensor(m_sensor.get());
 }
 
 void ManagedInstrument::Rename(const QString& name) {
@@ -43,13 +44,11 @@ void ManagedInstrument::Rename(const QString& name) {
 void ManagedInstrument::Release() {
     if (!m_sensor)
         return;
-    ISensorObject* sensor = m_sensor;
-    m_sensor = nullptr;
+    SensorRef<> sensor = std::move(m_sensor);
     // Unsubscribe first: the off-line notification of a sensor being dropped is of no interest.
     m_observer.reset();
     if (sensor->IsOnline(false))
         sensor->Disconnect(0);
-    sensor->DecRef();
 }
 
 ManagedInstrument::State ManagedInstrument::GetState() const {

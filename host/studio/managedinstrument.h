@@ -3,13 +3,13 @@
 // it (the studio holds the first reference), and what the studio knows about its connection.
 // Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
 #include "instrumentconfig.h"
+#include "sensorref.h"
 
 #include <QObject>
 
 #include <memory>
 
 class ISensorInfo;
-class ISensorObject;
 class WSensorObserver;
 
 class ManagedInstrument : public QObject {
@@ -32,7 +32,7 @@ public:
     // Takes the sensor off line and releases it.
     void Release();
 
-    ISensorObject* Sensor() const { return m_sensor; }
+    ISensorObject* Sensor() const { return m_sensor.get(); }
     State GetState() const;
     // Why there is no sensor object (unknown type, address refused); empty when there is one.
     const QString& Problem() const { return m_problem; }
@@ -60,7 +60,7 @@ protected:
 private:
     InstrumentConfig m_config;
     bool m_transient;
-    ISensorObject* m_sensor = nullptr;
+    SensorRef<> m_sensor;
     std::unique_ptr<WSensorObserver> m_observer;
     QString m_problem;
     int m_lastError = 0;

@@ -3,7 +3,7 @@
 #include "managedinstrument.h"
 #include "sensorevent.h"
 #include "sensorinfo.h"
-#include "sensorobject.h"
+#include "sensorref.h"
 #include "winsockerror.h"
 
 #include <QDateTime>

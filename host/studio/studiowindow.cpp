@@ -9,7 +9,7 @@
 #include "registry.h"
 #include "sensorinfo.h"
 #include "sensormanager.h"
-#include "sensorobject.h"
+#include "sensorref.h"
 #include "statuspanel.h"
 #include "toollist.h"
 #include "toolrunner.h"
@@ -484,11 +484,8 @@ void StudioWindow::RunTool(int toolIndex) {
     m_log->Append(tr("Tool %1 chosen.").arg(QString::fromStdWString(tool.name)));
 
     // The tool may run a modal dialog that dispatches events: hold the sensor for its duration.
-    if (sensor)
-        sensor->IncRef();
-    const ToolRunner::Outcome outcome = ToolRunner::Run(*type, tool, sensor);
-    if (sensor)
-        sensor->DecRef();
+    const SensorRef<> held = SensorRef<>::Share(sensor);
+    const ToolRunner::Outcome outcome = ToolRunner::Run(*type, tool, held.get());
 
     m_log->Append(outcome.message);
     using Kind = ToolRunner::Outcome::Kind;

@@ -1,6 +1,8 @@
 #pragma once
 // The frame of the `vexa` command line: shared options, exit codes and the instrument session that
 // every command uses. Each command lives in its own cmd_*.cpp and registers itself with Add*Command.
+#include "sensorref.h"
+
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -33,7 +35,7 @@ struct CliContext {
 // (off line, last reference dropped) when the session ends.
 class CliSession {
 public:
-    CliSession() = default;
+    CliSession();
     ~CliSession();
     CliSession(const CliSession&) = delete;
     CliSession& operator=(const CliSession&) = delete;
@@ -42,16 +44,14 @@ public:
     bool Connect(const std::wstring& host, int* error);
     // Creates the sensor without going on line (for commands that may fall back to FTP).
     bool Create(const std::wstring& host);
-    VEXASensorObject* Sensor() const { return m_sensor; }
+    VEXASensorObject* Sensor() const { return m_sensor.get(); }
 
 private:
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
 };
 
 // Prints "vexa: <what>: <number> (<meaning>)" on stderr unless quiet.
 void PrintError(const CliContext& ctx, const std::string& what, int error, const std::wstring& detail = {});
-std::string Narrow(const std::wstring& text);
-std::wstring Widen(const std::string& text);
 
 // A host operand: "HOST", "@HOST" or "@HOST:" all name the same instrument.
 std::wstring HostOperand(const std::string& text);

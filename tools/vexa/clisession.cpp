@@ -15,11 +15,11 @@ std::vector<AddCommand> CliCommands() {
     };
 }
 
+CliSession::CliSession() = default;
+
 CliSession::~CliSession() {
-    if (m_sensor) {
+    if (m_sensor)
         m_sensor->Disconnect(0);
-        m_sensor->DecRef();
-    }
 }
 
 bool CliSession::Create(const std::wstring& host) {
@@ -30,10 +30,8 @@ bool CliSession::Create(const std::wstring& host) {
     // the studio makes them.
     ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA");
     ISensorObject* made = info ? info->CreateSensorObject(nullptr, address) : nullptr;
-    m_sensor = dynamic_cast<VEXASensorObject*>(made);
-    if (made && !m_sensor)
-        made->DecRef();
-    return m_sensor != nullptr;
+    m_sensor = SensorRef<VEXASensorObject>::AdoptIf(made);
+    return static_cast<bool>(m_sensor);
 }
 
 bool CliSession::Connect(const std::wstring& host, int* error) {
@@ -52,29 +50,21 @@ bool CliSession::Connect(const std::wstring& host, int* error) {
     return false;
 }
 
-std::string Narrow(const std::wstring& text) {
-    return ToUtf8(text);
-}
-
-std::wstring Widen(const std::string& text) {
-    return FromUtf8(text);
-}
-
 std::wstring HostOperand(const std::string& text) {
     std::string host = text;
     if (!host.empty() && host.front() == '@')
         host.erase(0, 1);
     if (!host.empty() && host.back() == ':')
         host.pop_back();
-    return Widen(host);
+    return FromUtf8(host);
 }
 
 void PrintError(const CliContext&, const std::string& what, int error, const std::wstring& detail) {
     // Errors are shown even with --quiet: they are the result.
     std::cerr << "vexa: " << what;
     if (error != 0)
-        std::cerr << ": " << Narrow(DescribeError(error));
+        std::cerr << ": " << ToUtf8(DescribeError(error));
     if (!detail.empty())
-        std::cerr << ": " << Narrow(detail);
+        std::cerr << ": " << ToUtf8(detail);
     std::cerr << "\n";
 }

@@ -6,6 +6,7 @@
 #include "paths.h"
 #include "remotename.h"
 #include "systemaccess.h"
+#include "text.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
 
@@ -51,22 +52,10 @@ private:
     ICopyProgress& m_shared;
 };
 
-std::wstring WithoutTrailingSlash(std::wstring path) {
-    while (path.size() > 1 && path.back() == L'/')
-        path.pop_back();
-    return path;
-}
-
-std::wstring LastPart(const std::wstring& path) {
-    const std::wstring trimmed = WithoutTrailingSlash(path);
-    const size_t cut = trimmed.find_last_of(L'/');
-    return cut == std::wstring::npos ? trimmed : trimmed.substr(cut + 1);
-}
-
 // The operand's full name without a trailing '/' (the root keeps its own).
 std::wstring TrimmedName(const FileOperand& operand) {
     const std::wstring path = WithoutTrailingSlash(operand.path);
-    return operand.IsRemote() ? L"@" + operand.host + L":" + path : path;
+    return MakeFilename(L"", path, operand.host);
 }
 
 // The sensor for an operand's side (null for this computer); false with the exit code when an
@@ -80,7 +69,7 @@ bool SideSensor(const CliContext& ctx, HostSessions& sessions, const FileOperand
     *sensor = sessions.Linked(operand.host, &error);
     if (*sensor)
         return true;
-    PrintError(ctx, Narrow(operand.host) + ": cannot reach the instrument (folders are copied over its link)",
+    PrintError(ctx, ToUtf8(operand.host) + ": cannot reach the instrument (folders are copied over its link)",
                error);
     *exitCode = kExitUnreachable;
     return false;
@@ -108,7 +97,7 @@ bool MakeLanes(const CliContext& ctx, const CpArgs& args, const FileOperand& fro
             lane.ownSession = std::make_unique<CliSession>();
             int error = 0;
             if (!lane.ownSession->Connect(host, &error)) {
-                PrintError(ctx, Narrow(host) + ": cannot open link " + std::to_string(i + 1), error);
+                PrintError(ctx, ToUtf8(host) + ": cannot open link " + std::to_string(i + 1), error);
                 *exitCode = kExitUnreachable;
                 return false;
             }
@@ -200,7 +189,7 @@ int ReportLanes(const CliContext& ctx, const CpArgs& args, const std::vector<Lan
         if (!lane.job)
             continue;
         for (const CopyJob::Failure& failure : lane.job->Failures()) {
-            PrintFileError(ctx, "cp " + Narrow(failure.name), failure.error, failure.text);
+            PrintFileError(ctx, "cp " + ToUtf8(failure.name), failure.error, failure.text);
             code = std::max(code, ExitCodeFor(failure.error));
         }
         copied += lane.job->CopiedCount();
@@ -213,7 +202,7 @@ int ReportLanes(const CliContext& ctx, const CpArgs& args, const std::vector<Lan
         return kExitFailed;
     }
     if (ctx.options.verbose)
-        std::cerr << "vexa: cp " << args.from << " -> " << Narrow(targetName) << ": " << copied << " of "
+        std::cerr << "vexa: cp " << args.from << " -> " << ToUtf8(targetName) << ": " << copied << " of "
                   << files << " files copied over " << lanes.size()
                   << (lanes.size() == 1 ? " link\n" : " links\n");
     return complete ? kExitOk : std::max(code, int(kExitFailed));
@@ -238,16 +227,16 @@ int CopyTree(CliContext& ctx, const CpArgs& args, const FileOperand& from, const
     }
     std::wstring target = WithoutTrailingSlash(to.path);
     if (toIsFolder)
-        target = JoinPath(target, LastPart(fromFolder), L'/');
-    const std::wstring targetName = to.IsRemote() ? L"@" + to.host + L":" + target : target;
+        target = JoinPath(target, LastPathPart(fromFolder), L'/');
+    const std::wstring targetName = MakeFilename(L"", target, to.host);
     bool targetExists = false;
     const bool targetIsFolder = IsFolderName(targetName, &targetExists);
     if (targetExists && !targetIsFolder) {
-        PrintError(ctx, "cp " + args.from + ": " + Narrow(targetName) + " is a file", 0);
+        PrintError(ctx, "cp " + args.from + ": " + ToUtf8(targetName) + " is a file", 0);
         return kExitFailed;
     }
     if (!targetExists && !FileInfo::MkDir(targetName)) {
-        PrintFileError(ctx, "cp " + args.from + ": cannot make " + Narrow(targetName), FileInfo::LastError(),
+        PrintFileError(ctx, "cp " + args.from + ": cannot make " + ToUtf8(targetName), FileInfo::LastError(),
                        FileInfo::LastErrorText());
         return ExitCodeFor(FileInfo::LastError());
     }

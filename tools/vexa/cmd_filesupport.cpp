@@ -63,18 +63,6 @@ std::string Clock(double seconds) {
     return text;
 }
 
-std::wstring BaseName(const std::wstring& path) {
-    const size_t cut = path.find_last_of(L'/');
-    return cut == std::wstring::npos ? path : path.substr(cut + 1);
-}
-
-std::wstring FolderOf(const std::wstring& path) {
-    const size_t cut = path.find_last_of(L'/');
-    if (cut == std::wstring::npos)
-        return {};
-    return cut == 0 ? std::wstring(L"/") : path.substr(0, cut);
-}
-
 // Copies a local file to an instrument over FTP: the temporary name first, then a rename, as the
 // folder list does over the link.
 int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo& entry,
@@ -90,7 +78,7 @@ int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo&
     }
     StdioFile out;
     if (!out.Open(temporaryName, L"wb")) {
-        PrintFileError(ctx, verb + " " + Narrow(finalName) + " (over FTP)", out.GetError(),
+        PrintFileError(ctx, verb + " " + ToUtf8(finalName) + " (over FTP)", out.GetError(),
                        out.GetErrorText());
         return ExitCodeFor(out.GetError());
     }
@@ -140,7 +128,7 @@ int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo&
         return ExitCodeFor(error);
     }
     if (ctx.options.verbose)
-        std::cerr << "vexa: " << source.text << " -> " << Narrow(finalName) << " over FTP ("
+        std::cerr << "vexa: " << source.text << " -> " << ToUtf8(finalName) << " over FTP ("
                   << progress.BytesMoved() << " bytes)\n";
     return kExitOk;
 }
@@ -148,7 +136,7 @@ int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo&
 } // namespace
 
 nlohmann::ordered_json EntryJson(const FileInfo& entry) {
-    return {{"name", Narrow(entry.name)}, {"size", entry.size},        {"folder", entry.IsFolder()},
+    return {{"name", ToUtf8(entry.name)}, {"size", entry.size},        {"folder", entry.IsFolder()},
             {"attributes", entry.attrib}, {"created", entry.times[0]}, {"accessed", entry.times[1]},
             {"modified", entry.times[2]}};
 }
@@ -174,12 +162,12 @@ VEXASensorObject* HostSessions::Linked(const std::wstring& host, int* error) {
 }
 
 std::wstring FileOperand::Name() const {
-    return IsRemote() ? L"@" + host + L":" + path : path;
+    return MakeFilename(L"", path, host);
 }
 
 bool ParseFileOperand(const CliContext& ctx, const std::string& text, FileOperand* out) {
     out->text = text;
-    const std::wstring name = Widen(text);
+    const std::wstring name = FromUtf8(text);
     if (!IsRemoteFilename(name)) {
         if (name.empty()) {
             PrintError(ctx, "an empty file name", 0);
@@ -258,7 +246,7 @@ int ConnectForLink(const CliContext& ctx, CliSession& session, const FileOperand
     int error = 0;
     if (session.Connect(operand.host, &error))
         return kExitOk;
-    PrintError(ctx, Narrow(operand.host) + ": cannot reach the instrument", error);
+    PrintError(ctx, ToUtf8(operand.host) + ": cannot reach the instrument", error);
     return kExitUnreachable;
 }
 
@@ -334,7 +322,7 @@ void TerminalProgress::Draw(bool final) {
     const bool job = m_jobBytes > 0 && m_jobFiles > 1;
     const int64_t done = job ? m_total.load() : m_fileBytes;
     const int64_t size = job ? m_jobBytes : m_fileSize;
-    std::string name = Narrow(BaseName(m_file));
+    std::string name = ToUtf8(LastPathPart(m_file));
     if (name.size() > 28)
         name = name.substr(0, 25) + "...";
     std::string line = name;
@@ -367,12 +355,12 @@ OverwriteAnswer OverwritePolicy::Ask(const std::wstring& name, const std::wstrin
     if (m_fixed)
         return *m_fixed;
     if (!m_terminal) {
-        PrintError(m_ctx, Narrow(target) + " exists; pass --overwrite yes or --overwrite no", 0);
+        PrintError(m_ctx, ToUtf8(target) + " exists; pass --overwrite yes or --overwrite no", 0);
         m_refused = true;
         return OverwriteAnswer::kCancel;
     }
     for (int attempt = 0; attempt < 10; ++attempt) {
-        std::cerr << "vexa: " << Narrow(name) << " exists in the destination. Overwrite? "
+        std::cerr << "vexa: " << ToUtf8(name) << " exists in the destination. Overwrite? "
                   << "[y]es, [n]o, [a]ll, [N]one, [c]ancel: " << std::flush;
         std::string reply;
         if (!std::getline(std::cin, reply))
@@ -404,7 +392,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
     // The source: what it is and how large, from its own side.
     VEXASensorObject* sourceSensor = nullptr;
     FileInfo entry;
-    entry.name = BaseName(source.path);
+    entry.name = LastPathPart(source.path);
     if (source.IsRemote()) {
         int error = 0;
         sourceSensor = sessions.Linked(source.host, &error);
@@ -414,9 +402,9 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
                 outcome.exitCode = ExitCodeFor(FileInfo::LastError());
                 return outcome;
             }
-            entry.name = BaseName(source.path);
+            entry.name = LastPathPart(source.path);
         } else if (ctx.options.verbose) {
-            PrintError(ctx, Narrow(source.host) + ": link not available, reading over FTP", error);
+            PrintError(ctx, ToUtf8(source.host) + ": link not available, reading over FTP", error);
         }
     } else if (!FileInfo::GetFileInfo(source.path, &entry, nullptr, nullptr)) {
         PrintFileError(ctx, what, FileInfo::LastError(), FileInfo::LastErrorText());
@@ -448,7 +436,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
         destinationSensor = sessions.Linked(destination.host, &error);
         destinationLinked = destinationSensor != nullptr;
         if (!destinationLinked && ctx.options.verbose)
-            PrintError(ctx, Narrow(destination.host) + ": link not available, writing over FTP", error);
+            PrintError(ctx, ToUtf8(destination.host) + ": link not available, writing over FTP", error);
         FileInfo existing;
         if (destinationLinked && !intoFolder &&
             FileInfo::GetFileInfo(destination.Name(), &existing, nullptr, nullptr))
@@ -463,8 +451,8 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
             folder.pop_back();
         name = entry.name;
     } else {
-        folder = FolderOf(destination.path);
-        name = BaseName(destination.path);
+        folder = FolderOfPath(destination.path);
+        name = LastPathPart(destination.path);
     }
     if (folder.empty() || name.empty()) {
         PrintError(ctx, destination.text + ": no file name to write", 0);
@@ -480,7 +468,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
         FileInfo existing;
         exists = FileInfo::GetFileInfo(finalName, &existing, nullptr, nullptr);
         if (exists && IsFolderEntry(existing)) {
-            PrintError(ctx, what + ": " + Narrow(finalName) + " is a folder", 0);
+            PrintError(ctx, what + ": " + ToUtf8(finalName) + " is a folder", 0);
             outcome.exitCode = kExitFailed;
             return outcome;
         }
@@ -496,7 +484,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
         case OverwriteAnswer::kNo:
         case OverwriteAnswer::kNoToAll:
             if (!ctx.options.quiet)
-                std::cerr << "vexa: " << Narrow(finalName) << " exists; skipped\n";
+                std::cerr << "vexa: " << ToUtf8(finalName) << " exists; skipped\n";
             outcome.skipped = true;
             return outcome;
         case OverwriteAnswer::kCancel:
@@ -513,8 +501,8 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
         outcome.exitCode = PutOverFtp(ctx, source, entry, destination.host, folder, name, progress, verb);
         return outcome;
     }
-    CVexaFileList sourceList(sourceSensor, CVexaFileList::FolderArgument(source.host, FolderOf(source.path)),
-                             false);
+    CVexaFileList sourceList(sourceSensor,
+                             CVexaFileList::FolderArgument(source.host, FolderOfPath(source.path)), false);
     CVexaFileList destinationList(destinationSensor, CVexaFileList::FolderArgument(destination.host, folder),
                                   false);
     if (!destinationList.CopyIn(entry, sourceList, &progress, name)) {
@@ -525,7 +513,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
     progress.SetDone();
     if (ctx.options.verbose) {
         const std::wstring way = destinationList.LastTransport();
-        std::cerr << "vexa: " << source.text << " -> " << Narrow(finalName) << " over " << Narrow(way) << " ("
+        std::cerr << "vexa: " << source.text << " -> " << ToUtf8(finalName) << " over " << ToUtf8(way) << " ("
                   << progress.BytesMoved() << " bytes)\n";
     }
     return outcome;

@@ -1,6 +1,8 @@
 // vexa rm, rmdir [-r], mkdir, mv: changes to the instrument's folders, each one request over the link.
 #include "cmd_filesupport.h"
 
+#include "remotename.h"
+#include "text.h"
 #include "vxsfileinfoimpl.h"
 
 #include <functional>
@@ -29,7 +31,7 @@ int RunOnEach(CliContext& ctx, const std::string& verb, const std::vector<std::s
     for (const FileOperand& operand : parsed) {
         int error = 0;
         if (!sessions.Linked(operand.host, &error)) {
-            PrintError(ctx, Narrow(operand.host) + ": cannot reach the instrument", error);
+            PrintError(ctx, ToUtf8(operand.host) + ": cannot reach the instrument", error);
             return kExitUnreachable;
         }
         VXSFileInfoImpl back(operand.host);
@@ -95,7 +97,7 @@ void AddMvCommand(CLI::App& app, CliContext& ctx) {
             return;
         }
         // The new name: on the same instrument, absolute, or in the old name's folder.
-        std::wstring newPath = Widen(newText);
+        std::wstring newPath = FromUtf8(newText);
         if (!newPath.empty() && newPath.front() == L'@') {
             FileOperand target;
             if (!ParseFileOperand(ctx, newText, &target)) {
@@ -109,7 +111,7 @@ void AddMvCommand(CLI::App& app, CliContext& ctx) {
             }
             newPath = target.path;
         } else if (!newPath.empty() && newPath.front() != L'/') {
-            newPath = old.path.substr(0, old.path.find_last_of(L'/') + 1) + newPath;
+            newPath = MakeFilename(FolderOfPath(old.path), newPath, L"");
         }
         if (newPath.empty()) {
             PrintError(ctx, "mv: the new name is empty", 0);

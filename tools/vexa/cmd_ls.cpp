@@ -2,6 +2,7 @@
 #include "cmd_filesupport.h"
 #include "winsockerror.h"
 
+#include "text.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
 #include "vxsfileinfoimpl.h"
@@ -27,7 +28,7 @@ void PrintText(std::vector<FileInfo> entries) {
         std::cout << (folder ? 'd' : '-') << ' ' << std::string(size.size() < 12 ? 12 - size.size() : 0, ' ')
                   << size << "  "
                   << (entry.times[2] != 0 ? EntryTimeText(entry.times[2]) : std::string(16, ' ')) << "  "
-                  << Narrow(entry.name) << (folder && entry.name != L".." ? "/" : "") << "\n";
+                  << ToUtf8(entry.name) << (folder && entry.name != L".." ? "/" : "") << "\n";
     }
 }
 
@@ -45,7 +46,7 @@ int RunLs(CliContext& ctx, const LsArgs& args) {
     VXSFileInfoImpl back(folder.host);
     std::vector<FileInfo> entries;
     // The listing option: the instrument then shows its hidden entries too.
-    if (!back.ReadSensorDir(folder.path, entries, Widen(args.pattern), args.all ? 1u : 0u))
+    if (!back.ReadSensorDir(folder.path, entries, FromUtf8(args.pattern), args.all ? 1u : 0u))
         return PrintFolderError(ctx, "ls " + args.folder, back);
     // A listing that the link cut short reads as complete to the back end: the link says otherwise.
     if (!back.HasLink()) {

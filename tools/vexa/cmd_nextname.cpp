@@ -1,6 +1,7 @@
 // vexa next-name: the next free numbered file name in a folder kind, on the PC and the instrument.
 #include "cli.h"
 
+#include "text.h"
 #include "vexasensorobject.h"
 
 #include <cstdlib>
@@ -35,13 +36,13 @@ void AddNextNameCommand(CLI::App& app, CliContext& ctx) {
         int error = 0;
         if (!session.Connect(host, &error) && ctx.options.verbose)
             PrintError(ctx, args->host + ": instrument not reached, scanning the PC only", error);
-        std::wstring name = session.Sensor()->GetNextFileName(args->kind, Widen(args->prefix),
-                                                              Widen(args->extension), args->digits);
+        std::wstring name = session.Sensor()->GetNextFileName(args->kind, FromUtf8(args->prefix),
+                                                              FromUtf8(args->extension), args->digits);
         if (name.empty()) {
             PrintError(ctx, "no name could be formed for these arguments", 0);
             ctx.exitCode = kExitFailed;
             return;
         }
-        std::cout << Narrow(name) << "\n";
+        std::cout << ToUtf8(name) << "\n";
     });
 }

@@ -2,6 +2,7 @@
 #include "cli.h"
 
 #include "pumpwait.h"
+#include "text.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
 
@@ -28,7 +29,7 @@ void AddPingCommand(CLI::App& app, CliContext& ctx) {
         if (ctx.options.json) {
             nlohmann::json out = {{"host", *host}, {"reachable", ok}, {"milliseconds", elapsed}};
             if (!ok)
-                out["error"] = {{"number", error}, {"meaning", Narrow(ErrorMeaning(error))}};
+                out["error"] = {{"number", error}, {"meaning", ToUtf8(ErrorMeaning(error))}};
             std::cout << out.dump() << "\n";
         } else if (ok && !ctx.options.quiet) {
             std::cout << *host << ": the instrument answers (link open and hello sent in " << elapsed

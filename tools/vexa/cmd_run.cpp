@@ -1,6 +1,7 @@
 // vexa run [--timeout S] HOST COMMAND...: runs a command on the instrument and prints its output.
 #include "cmd_filesupport.h"
 
+#include "text.h"
 #include "vxsfileinfoimpl.h"
 
 #include <iostream>
@@ -26,12 +27,12 @@ int RunCommandOn(CliContext& ctx, const RunArgs& args) {
         command += (command.empty() ? "" : " ") + word;
     VXSFileInfoImpl back(instrument.host);
     std::wstring output;
-    if (!back.RunCommand(Widen(command), output, int64_t(args.timeout) * 1000000))
+    if (!back.RunCommand(FromUtf8(command), output, int64_t(args.timeout) * 1000000))
         return PrintFolderError(ctx, "run " + command, back);
     if (ctx.options.json) {
-        std::cout << nlohmann::ordered_json{{"command", command}, {"output", Narrow(output)}}.dump() << "\n";
+        std::cout << nlohmann::ordered_json{{"command", command}, {"output", ToUtf8(output)}}.dump() << "\n";
     } else {
-        std::cout << Narrow(output);
+        std::cout << ToUtf8(output);
         if (!output.empty() && output.back() != L'\n')
             std::cout << "\n";
     }

@@ -2,6 +2,7 @@
 // content when asked.
 #include "cmd_filesupport.h"
 
+#include "text.h"
 #include "vexafilelist.h"
 #include "vxsfileinfoimpl.h"
 
@@ -63,7 +64,7 @@ int RunStat(CliContext& ctx, const StatArgs& args) {
         std::cout << out.dump() << "\n";
         return kExitOk;
     }
-    std::cout << "name:     " << Narrow(entry.name) << "\n"
+    std::cout << "name:     " << ToUtf8(entry.name) << "\n"
               << "type:     " << (IsFolderEntry(entry) ? "folder" : "file") << "\n"
               << "size:     " << entry.size << "\n"
               << "created:  " << EntryTimeText(entry.times[0]) << "\n"

@@ -59,9 +59,9 @@ std::vector<StatusSection> ReadStatus(ISensorObject& sensor) {
 
 void PrintText(const std::vector<StatusSection>& sections) {
     for (const StatusSection& section : sections) {
-        std::cout << Narrow(section.title) << "\n";
+        std::cout << ToUtf8(section.title) << "\n";
         for (const StatusLine& line : section.lines)
-            std::cout << "  " << Narrow(line.label) << " " << Narrow(line.value) << "\n";
+            std::cout << "  " << ToUtf8(line.label) << " " << ToUtf8(line.value) << "\n";
     }
 }
 
@@ -70,8 +70,8 @@ void PrintJson(const std::vector<StatusSection>& sections) {
     for (const StatusSection& section : sections) {
         nlohmann::ordered_json lines = nlohmann::ordered_json::array();
         for (const StatusLine& line : section.lines)
-            lines.push_back({{"label", Narrow(line.label)}, {"value", Narrow(line.value)}});
-        out.push_back({{"title", Narrow(section.title)}, {"lines", std::move(lines)}});
+            lines.push_back({{"label", ToUtf8(line.label)}, {"value", ToUtf8(line.value)}});
+        out.push_back({{"title", ToUtf8(section.title)}, {"lines", std::move(lines)}});
     }
     std::cout << out.dump() << "\n";
 }

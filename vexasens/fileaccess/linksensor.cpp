@@ -7,19 +7,13 @@ namespace {
 thread_local VEXASensorObject* t_override = nullptr;
 } // namespace
 
-VEXASensorObject* SelectLinkSensor(const std::wstring& host) {
+SensorRef<VEXASensorObject> SelectLinkSensor(const std::wstring& host) {
     if (host.empty())
-        return nullptr;
-    if (t_override && EqualsNoCase(t_override->GetSensorAddress().GetHostname(), host)) {
-        t_override->IncRef();
-        return t_override;
-    }
+        return {};
+    if (t_override && EqualsNoCase(t_override->GetSensorAddress().GetHostname(), host))
+        return SensorRef<VEXASensorObject>::Share(t_override);
     // Finding and holding happen under the registry's lock, so the sensor cannot vanish in between.
-    ISensorObject* found = ISensorObject::SelectAndRef(ISensorAddress(host));
-    auto* sensor = dynamic_cast<VEXASensorObject*>(found);
-    if (found && !sensor)
-        found->DecRef();
-    return sensor;
+    return SensorRef<VEXASensorObject>::AdoptIf(ISensorObject::SelectAndRef(ISensorAddress(host)));
 }
 
 LinkSensorOverride::LinkSensorOverride(VEXASensorObject* sensor) : m_previous(t_override) {

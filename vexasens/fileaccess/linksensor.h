@@ -1,13 +1,14 @@
 #pragma once
 // The VEXA sensor object that serves a host, for the back ends that talk over its link.
+#include "sensorref.h"
+
 #include <string>
 
 class VEXASensorObject;
 
-// The live VEXA sensor for `host` with a reference taken (release it with DecRef), or null when the
-// host is empty or no VEXA sensor serves it. On a thread with a LinkSensorOverride for that host, the
-// override's sensor.
-VEXASensorObject* SelectLinkSensor(const std::wstring& host);
+// The live VEXA sensor for `host`, held, or none when the host is empty or no VEXA sensor serves it. On
+// a thread with a LinkSensorOverride for that host, the override's sensor.
+SensorRef<VEXASensorObject> SelectLinkSensor(const std::wstring& host);
 
 // While it lives, the back ends that this thread makes for the sensor's own host use `sensor`, not
 // the first sensor registered for that host: several threads can then each copy over a link of their

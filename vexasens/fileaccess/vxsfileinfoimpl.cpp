@@ -50,18 +50,14 @@ FileInfo VXSFileInfoImpl::DecodeRecord(const uint8_t* record) {
     return entry;
 }
 
-VXSFileInfoImpl::VXSFileInfoImpl(const std::wstring& host) {
-    m_sensor = SelectLinkSensor(host);
+VXSFileInfoImpl::VXSFileInfoImpl(const std::wstring& host) : m_sensor(SelectLinkSensor(host)) {
     std::memset(m_frame, 0, sizeof m_frame);
 }
 
-VXSFileInfoImpl::~VXSFileInfoImpl() {
-    if (m_sensor)
-        m_sensor->DecRef();
-}
+VXSFileInfoImpl::~VXSFileInfoImpl() = default;
 
 bool VXSFileInfoImpl::HasLink() const {
-    return m_sensor != nullptr && m_sensor->IsSocketValid();
+    return m_sensor && m_sensor->IsSocketValid();
 }
 
 std::wstring VXSFileInfoImpl::GetErrorText() const {
@@ -100,7 +96,7 @@ void VXSFileInfoImpl::NoteReply(uint32_t status, const uint8_t* text, uint32_t s
 bool VXSFileInfoImpl::SendRequest(uint32_t command, uint16_t flags, const std::string& first,
                                   const std::string& second, uint32_t extra, uint32_t* id) {
     *id = g_nextRequestId.fetch_add(1);
-    if (m_sensor == nullptr) {
+    if (!m_sensor) {
         m_error = kWsaNotConn;
         return false;
     }
@@ -138,7 +134,7 @@ bool VXSFileInfoImpl::WaitForStatus() {
 }
 
 bool VXSFileInfoImpl::WaitForData(uint32_t id) {
-    if (m_sensor == nullptr || m_endOfData)
+    if (!m_sensor || m_endOfData)
         return false;
     uint8_t* payload = m_frame + kFrameHeaderSize;
     for (;;) {
@@ -204,10 +200,7 @@ bool VXSFileInfoImpl::ReadSensorDir(const std::wstring& folder, std::vector<File
     uint32_t id = 0;
     if (!SendRequest(kCmdList, flags, path, "", 0, &id)) {
         // Later operations on this object fail at once.
-        if (m_sensor) {
-            m_sensor->DecRef();
-            m_sensor = nullptr;
-        }
+        m_sensor.Reset();
         return false;
     }
 

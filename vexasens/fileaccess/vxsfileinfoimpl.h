@@ -10,6 +10,7 @@
 // only.
 #include "fileinfo.h"
 #include "linkframe.h"
+#include "sensorref.h"
 
 #include <cstdint>
 #include <string>
@@ -76,7 +77,7 @@ private:
     int m_error = 0;
     uint32_t m_replyStatus = 0;
     std::wstring m_replyText;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
     FrameHeader m_header;
     bool m_endOfData = false;
     uint64_t m_answerBytes = 0; // received for the operation in progress, headers included

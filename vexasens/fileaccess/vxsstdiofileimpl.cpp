@@ -43,7 +43,7 @@ VXSStdioFileImpl::VXSStdioFileImpl(const std::wstring& host, const std::wstring&
     m_sensor = SelectLinkSensor(host);
     m_transferId = g_nextTransferId.fetch_add(1);
 
-    if (m_sensor == nullptr || !m_sensor->IsSocketValid()) {
+    if (!m_sensor || !m_sensor->IsSocketValid()) {
         m_error = kWsaNotConn;
         ReleaseSensor();
         return;
@@ -125,10 +125,7 @@ bool VXSStdioFileImpl::ParseMode(const std::wstring& mode) {
 }
 
 void VXSStdioFileImpl::ReleaseSensor() {
-    if (m_sensor) {
-        m_sensor->DecRef();
-        m_sensor = nullptr;
-    }
+    m_sensor.Reset();
     m_state = State::kClosed;
 }
 
@@ -153,7 +150,7 @@ bool VXSStdioFileImpl::Close() {
 }
 
 bool VXSStdioFileImpl::SendBuffer() {
-    if (m_sensor == nullptr)
+    if (!m_sensor)
         return false;
     EncodeHeader(m_header, m_frame);
     const int size = kFrameHeaderSize + int(m_header.length);

@@ -13,6 +13,7 @@
 // Thread rule: used by one thread at a time (the user-interface thread or a copy worker). Each send
 // and receive holds the sensor's link lock for that call only.
 #include "linkframe.h"
+#include "sensorref.h"
 #include "stdiofile.h"
 
 #include <cstdint>
@@ -86,7 +87,7 @@ private:
 
     int m_error = 0;
     std::wstring m_replyText;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
     FrameHeader m_header;
     State m_state = State::kOpening;
     int m_readPos = 0;

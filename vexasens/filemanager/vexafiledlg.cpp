@@ -80,8 +80,7 @@ CVexaFileDlg::CVexaFileDlg(ISensorObject& sensor, QWidget* parent)
                           IDC_FILEMGR_LOCAL_UP, IDC_FILEMGR_LOCAL_NEW_FOLDER}),
       m_remotePane(true, {IDC_FILEMGR_REMOTE_LIST, IDC_FILEMGR_REMOTE_PATH, IDC_FILEMGR_REMOTE_STATUS,
                           IDC_FILEMGR_REMOTE_UP, IDC_FILEMGR_REMOTE_NEW_FOLDER}),
-      m_sensor(&sensor) {
-    m_sensor->IncRef();
+      m_sensor(SensorRef<>::Share(&sensor)) {
     Ui::Dialog1701 form;
     SetupTemplate(form);
     for (CVexaFilePane* pane : {&m_localPane, &m_remotePane})
@@ -107,7 +106,6 @@ CVexaFileDlg::~CVexaFileDlg() {
     m_observer.SetSensor(nullptr);
     m_localPane.DropList();
     m_remotePane.DropList();
-    m_sensor->DecRef();
 }
 
 void CVexaFileDlg::ConnectPane(int pane) {
@@ -157,7 +155,7 @@ bool CVexaFileDlg::OnInitDialog() {
 
     m_localPane.CreateList(nullptr, std::wstring(), std::wstring());
     // No instrument address: the pane stays empty, as for an instrument that is off line.
-    m_remotePane.CreateList(m_sensor, host, kRemoteStartFolder);
+    m_remotePane.CreateList(m_sensor.get(), host, kRemoteStartFolder);
     if (host.empty())
         m_online = false;
 
@@ -205,7 +203,7 @@ bool CVexaFileDlg::OnInitDialog() {
             button->SetIcon(newFolder);
     }
 
-    m_observer.SetSensor(m_sensor);
+    m_observer.SetSensor(m_sensor.get());
     m_observer.SetSensorMask(kSensorMask, 1);
     m_observer.SetAllDeviceMasks(kDeviceMask, 1);
     m_observer.SetWnd(this, CSensorNotifyEvent::kDefaultType);

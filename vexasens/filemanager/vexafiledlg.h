@@ -11,6 +11,7 @@
 // the replay speed, Alt+H (hidden instrument entries), the text editor, the replay and copying data
 // files between the sides need access level 0.
 #include "dialog.h"
+#include "sensorref.h"
 #include "vexafilepane.h"
 #include "wsensorobserver.h"
 
@@ -157,7 +158,7 @@ private:
     std::unique_ptr<CBackupDlg> m_backupDlg;
     CVexaFilePane m_localPane;
     CVexaFilePane m_remotePane;
-    ISensorObject* m_sensor;
+    SensorRef<> m_sensor;
     bool m_online = false;
     std::wstring m_title;
     uint32_t m_flags = 0;

@@ -183,9 +183,7 @@ std::wstring CVexaFileList::FullName(const std::wstring& name) const {
 }
 
 std::wstring CVexaFileList::FolderName() const {
-    if (IsRemote())
-        return L"@" + m_host + L":" + m_folder;
-    return m_folder;
+    return MakeFilename(L"", m_folder, m_host);
 }
 
 void CVexaFileList::SetError(int error, const std::wstring& text) {

@@ -24,14 +24,6 @@ constexpr size_t kMaxAnswerBytes = 16u << 20;
 // The quoted command and its terminating NUL must fit the request's 1024-byte field.
 constexpr size_t kMaxCommandBytes = kRequestArgSize - 3;
 
-std::string Trimmed(const std::string& text) {
-    const char* blanks = " \t\r\n";
-    size_t first = text.find_first_not_of(blanks);
-    if (first == std::string::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 int HexDigit(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -42,7 +34,7 @@ int HexDigit(char c) {
     return -1;
 }
 
-bool DecodeHex(const std::string& hex, uint8_t* out, uint32_t size) {
+bool DecodeHex(std::string_view hex, uint8_t* out, uint32_t size) {
     if (hex.size() != size_t(size) * 2)
         return false;
     for (uint32_t i = 0; i < size; ++i) {
@@ -134,7 +126,7 @@ bool VexaCommSensor::Read(uint32_t id, void* buffer, uint32_t size, uint32_t ind
     int error = 0;
     if (!Run(command, &answer, &message, &error))
         return false;
-    if (!DecodeHex(Trimmed(answer), static_cast<uint8_t*>(buffer), size)) {
+    if (!DecodeHex(TrimBlanks(answer), static_cast<uint8_t*>(buffer), size)) {
         Fail(kErrInvalid);
         return false;
     }
@@ -150,7 +142,7 @@ bool VexaCommSensor::Write(uint32_t id, const void* buffer, uint32_t size, uint3
     int error = 0;
     if (!Run(command, &answer, &message, &error))
         return false;
-    if (Trimmed(answer) != "ok") {
+    if (TrimBlanks(answer) != "ok") {
         Fail(kErrInvalid);
         return false;
     }

@@ -1,5 +1,6 @@
 #include "simfixture.h"
 
+#include "remotename.h"
 #include "vexafileinfoimplfactory.h"
 #include "vexastdiofileimplfactory.h"
 
@@ -37,17 +38,18 @@ std::vector<std::string> LeftoverTemporaries(const std::string& folder) {
 SimulatedInstrument::SimulatedInstrument(const std::vector<std::string>& simArgs) {
     m_root.createDir("Data");
     m_sim = std::make_unique<SimulatorProcess>(m_root.path(), simArgs);
-    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(m_sim->host()));
+    m_sensor =
+        SensorRef<VEXASensorObject>::Adopt(new VEXASensorObject(nullptr, ISensorAddress(m_sim->host())));
     m_sensor->GoOnline();
 }
 
 SimulatedInstrument::~SimulatedInstrument() {
-    m_sensor->DecRef();
+    m_sensor.Reset();
     m_sim->stop();
 }
 
 std::wstring SimulatedInstrument::Remote(const std::wstring& path) const {
-    return L"@" + host() + L":" + path;
+    return MakeFilename(L"", path, host());
 }
 
 bool SimulatedInstrument::online() const {

@@ -2,6 +2,7 @@
 // A simulator serving a temporary instrument tree, a sensor on line to it, and the module's two file
 // back-end factories, so that StdioFile, FileInfo and the folder lists reach it as the studio does.
 #include "recordingprogress.h"
+#include "sensorref.h"
 #include "simulator.h"
 #include "tempdir.h"
 #include "vexasensorobject.h"
@@ -27,11 +28,11 @@ public:
     std::wstring host() const { return m_sim->host(); }
     // "@HOST:" + path
     std::wstring Remote(const std::wstring& path) const;
-    VEXASensorObject* sensor() const { return m_sensor; }
+    VEXASensorObject* sensor() const { return m_sensor.get(); }
     bool online() const;
 
 private:
     TempDir m_root;
     std::unique_ptr<SimulatorProcess> m_sim;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
 };

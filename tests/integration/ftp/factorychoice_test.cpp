@@ -5,7 +5,9 @@
 #include "simulator.h"
 #include "tempdir.h"
 
+#include "remotename.h"
 #include "sensorinfo.h"
+#include "sensorref.h"
 #include "stdiofile.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
@@ -42,20 +44,16 @@ protected:
         }
         ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA");
         ASSERT_NE(info, nullptr);
-        m_sensor =
-            dynamic_cast<VEXASensorObject*>(info->CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
-        ASSERT_NE(m_sensor, nullptr);
+        m_sensor = SensorRef<VEXASensorObject>::AdoptIf(
+            info->CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
+        ASSERT_TRUE(m_sensor);
     }
-    void TearDown() override {
-        if (m_sensor)
-            m_sensor->DecRef();
-    }
-    std::wstring Remote(const std::wstring& path) const { return L"@" + m_sim->host() + L":" + path; }
+    std::wstring Remote(const std::wstring& path) const { return MakeFilename(L"", path, m_sim->host()); }
 
     TempDir m_instrument, m_ftpHome, m_pc;
     std::unique_ptr<SimulatorProcess> m_sim;
     FtpServerProcess m_ftp;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
 };
 
 } // namespace
@@ -86,9 +84,9 @@ TEST_F(FactoryChoice, LinkWhileOnLineFtpWhenOffLine) {
 TEST_F(FactoryChoice, FileListCopiesOverFtpThroughItsTemporaryName) {
     // Off line from the start: the copy's source is read over FTP, the PC file appears only complete.
     m_pc.createFile("run1.vxs", "old PC copy");
-    CVexaFileList source(m_sensor, CVexaFileList::FolderArgument(m_sim->host(), L"/Data"), false);
-    CVexaFileList destination(
-        m_sensor, CVexaFileList::FolderArgument(L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
+    CVexaFileList source(m_sensor.get(), CVexaFileList::FolderArgument(m_sim->host(), L"/Data"), false);
+    CVexaFileList destination(m_sensor.get(), CVexaFileList::FolderArgument(
+                                                  L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
     FileInfo entry;
     entry.name = L"run1.vxs";
     entry.size = 8;
@@ -98,11 +96,12 @@ TEST_F(FactoryChoice, FileListCopiesOverFtpThroughItsTemporaryName) {
 
     // The other way: the FTP server holds the temporary name only while the copy runs.
     m_pc.createFile("notes.txt", "from the PC");
-    CVexaFileList pcSide(
-        m_sensor, CVexaFileList::FolderArgument(L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
+    CVexaFileList pcSide(m_sensor.get(), CVexaFileList::FolderArgument(
+                                             L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
     const FileInfo* notes = pcSide.Find(L"notes.txt");
     ASSERT_NE(notes, nullptr);
-    CVexaFileList instrumentSide(m_sensor, CVexaFileList::FolderArgument(m_sim->host(), L"/Data"), false);
+    CVexaFileList instrumentSide(m_sensor.get(), CVexaFileList::FolderArgument(m_sim->host(), L"/Data"),
+                                 false);
     // Without the link the folder operations of the copy (delete, rename) have no back end: the copy
     // fails, and the file never appears under its final name (the command-line tool renames over FTP).
     EXPECT_FALSE(instrumentSide.CopyIn(*notes, pcSide, nullptr));

@@ -2,7 +2,7 @@
 // program links no module code: everything of the sensor type comes from the loaded file.
 #include "pluginloader.h"
 #include "sensorinfo.h"
-#include "sensorobject.h"
+#include "sensorref.h"
 #include "simulator.h"
 #include "tempdir.h"
 #include "text.h"
@@ -75,8 +75,9 @@ TEST(PluginHostTest, ModuleRegistersTheVexaSensorType) {
     // The module's sensor object works in this host: on line, status through its command channel.
     TempDir root;
     SimulatorProcess sim(root.createDir("root"));
-    ISensorObject* sensor = info->CreateSensorObject(nullptr, ISensorAddress(sim.host()));
-    ASSERT_NE(sensor, nullptr);
+    const SensorRef<> sensor =
+        SensorRef<>::Adopt(info->CreateSensorObject(nullptr, ISensorAddress(sim.host())));
+    ASSERT_TRUE(sensor);
     ASSERT_TRUE(sensor->GoOnline());
     sensor->OnTimer(0);
     EXPECT_EQ(sensor->GetStatusSectionCount(), 3);
@@ -85,7 +86,6 @@ TEST(PluginHostTest, ModuleRegistersTheVexaSensorType) {
     EXPECT_FALSE(sensor->GetStatusValue(0, 0).empty());
     EXPECT_NE(sensor->GetStatusValue(0, 0), L"Not Available");
     sensor->Disconnect(0);
-    sensor->DecRef();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The instrument model, the status panel and notifications against the real simulator.
 #include "pumpwait.h"
 #include "recordingobserver.h"
+#include "sensorref.h"
 #include "simulator.h"
 #include "stringtable.h"
 #include "tempdir.h"
@@ -26,17 +27,15 @@ protected:
         const std::string profilePath = m_dir.createFile("profile.json", profile);
         m_sim = std::make_unique<SimulatorProcess>(m_dir.createDir("root"),
                                                    std::vector<std::string>{"--profile", profilePath});
-        m_sensor = dynamic_cast<VEXASensorObject*>(
+        m_sensor = SensorRef<VEXASensorObject>::AdoptIf(
             m_info.CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
-        ASSERT_NE(m_sensor, nullptr);
+        ASSERT_TRUE(m_sensor);
         ASSERT_TRUE(m_sensor->GoOnline()) << m_sensor->GetLastLinkError();
         ASSERT_TRUE(m_sensor->GetChannel() && m_sensor->GetChannel()->IsOpen());
     }
     void TearDown() override {
-        if (m_sensor) {
+        if (m_sensor)
             m_sensor->Disconnect(0);
-            m_sensor->DecRef();
-        }
     }
     // Polls (bounded) until `done` holds.
     template <typename Condition> bool PollUntil(Condition done, uint32_t limitMs) {
@@ -54,7 +53,7 @@ protected:
     TempDir m_dir;
     VEXASensorInfo m_info;
     std::unique_ptr<SimulatorProcess> m_sim;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
 };
 
 TEST_F(SimulatedSensor, SnapshotFromTheSimulatorsStatusAnswer) {
@@ -108,7 +107,7 @@ TEST_F(SimulatedSensor, ParametersAndReadiness) {
 TEST_F(SimulatedSensor, MethodRunsAndItsEndReachesAnObserver) {
     Start(R"({"methodSeconds": 0.5})");
     RecordingObserver observer;
-    observer.SetSensor(m_sensor);
+    observer.SetSensor(m_sensor.get());
     m_sensor->OnTimer(0);
 
     VexaDevice device(m_sensor->GetDevice(L"VEXA"));
@@ -132,7 +131,7 @@ TEST_F(SimulatedSensor, MethodRunsAndItsEndReachesAnObserver) {
 TEST_F(SimulatedSensor, LostInstrumentTakesTheSensorOffLine) {
     Start("{}");
     RecordingObserver observer;
-    observer.SetSensor(m_sensor);
+    observer.SetSensor(m_sensor.get());
     m_sensor->OnTimer(0);
     ASSERT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
     m_sim->stop();

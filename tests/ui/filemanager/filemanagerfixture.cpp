@@ -28,17 +28,17 @@ FileManagerTest::FileManagerTest() {
 
 FileManagerTest::~FileManagerTest() {
     m_dialog.reset();
-    if (m_sensor) {
+    if (m_sensor)
         m_sensor->Disconnect(0);
-        m_sensor->DecRef();
-    }
+    m_sensor.Reset();
     m_simulator.reset();
     unsetenv("VEXA_ACCESS");
 }
 
 void FileManagerTest::StartInstrument(const std::vector<std::string>& simulatorArgs) {
     m_simulator = std::make_unique<SimulatorProcess>(m_temp.file("instrument"), simulatorArgs);
-    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host()));
+    m_sensor = SensorRef<VEXASensorObject>::Adopt(
+        new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host())));
     AttachVexaCommSensor(*m_sensor);
     ASSERT_TRUE(m_sensor->GoOnline()) << "the sensor did not go on line to " << m_simulator->address();
 }

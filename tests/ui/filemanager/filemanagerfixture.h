@@ -2,6 +2,7 @@
 // A simulated instrument serving a copy of the demo tree, a sensor on line to it, a workstation folder
 // and the Manage Files dialog over both, shown (not modal) so a case can drive it directly.
 #include "scriptedprompt.h"
+#include "sensorref.h"
 #include "simulator.h"
 #include "tempdir.h"
 
@@ -55,7 +56,7 @@ protected:
 
     TempDir m_temp;
     std::unique_ptr<SimulatorProcess> m_simulator;
-    VEXASensorObject* m_sensor = nullptr;
+    SensorRef<VEXASensorObject> m_sensor;
     ScriptedPrompt m_prompt;
     std::unique_ptr<CVexaFileDlg> m_dialog;
 };

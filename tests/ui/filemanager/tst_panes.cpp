@@ -75,7 +75,8 @@ TEST_F(FileManagerTest, UnreadableLocalFolderEndsTheDialogWithItsMessage) {
 }
 
 TEST_F(FileManagerTest, OfflineInstrumentLeavesItsPaneEmptyWithoutAMessage) {
-    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(L"127.0.0.1"));
+    m_sensor =
+        SensorRef<VEXASensorObject>::Adopt(new VEXASensorObject(nullptr, ISensorAddress(L"127.0.0.1")));
     CVexaFileDlg& dialog = OpenDialog();
     EXPECT_FALSE(dialog.HasEnded());
     EXPECT_FALSE(dialog.IsInstrumentOnline());

@@ -1,6 +1,7 @@
 // The folder list: its sort order, lookups, and the copy of one file through a temporary name, on
 // workstation folders.
 #include "recordingprogress.h"
+#include "sensorref.h"
 #include "tempdir.h"
 #include "text.h"
 #include "vexafilelist.h"
@@ -142,15 +143,15 @@ TEST(FileList, LookupsAndNames) {
 }
 
 TEST(FileList, RefreshFailsForAnOfflineInstrumentAndAnInvalidList) {
-    VEXASensorObject* sensor = new VEXASensorObject(nullptr, ISensorAddress(L"127.9.9.5"));
     {
-        CVexaFileList list(sensor, L"@127.9.9.5:/data/");
+        const auto sensor =
+            SensorRef<VEXASensorObject>::Adopt(new VEXASensorObject(nullptr, ISensorAddress(L"127.9.9.5")));
+        CVexaFileList list(sensor.get(), L"@127.9.9.5:/data/");
         EXPECT_EQ(list.Count(), 0);
         EXPECT_FALSE(list.Refresh());
         EXPECT_EQ(list.Count(), 0);
         EXPECT_EQ(list.LastError(), kWsaNotConn);
     }
-    sensor->DecRef();
 
     TempDir dir;
     dir.createFile("f", "x");

@@ -1,3 +1,4 @@
+#include "filetype.h"
 #include "registry.h"
 #include "remotename.h"
 
@@ -33,6 +34,8 @@ TEST(RemoteName, ParseFilenameSplits) {
         EXPECT_EQ(folder, row.folder) << testing::PrintToString(row.name);
         EXPECT_EQ(file, row.file) << testing::PrintToString(row.name);
         EXPECT_EQ(host, row.host) << testing::PrintToString(row.name);
+        EXPECT_EQ(LastPathPart(row.name), row.file) << testing::PrintToString(row.name);
+        EXPECT_EQ(FolderOfPath(row.name), row.folder) << testing::PrintToString(row.name);
         // Joining the parts gives the name back.
         EXPECT_EQ(MakeFilename(folder, file, host),
                   row.remote && row.host.empty() ? row.name.substr(2) : row.name)
@@ -73,6 +76,19 @@ TEST(RemoteName, OnlyPlainNamesJoinOntoAFolder) {
     for (const std::wstring& path : std::initializer_list<std::wstring>{
              L"", L".", L"..", L"../x", L"a/b", L"/abs", L"a\\b", L"dir/", std::wstring(L"a\0b", 3)})
         EXPECT_FALSE(IsPlainEntryName(path)) << path.size();
+}
+
+TEST(RemoteName, TrailingSlashesAndFileTypes) {
+    EXPECT_EQ(WithoutTrailingSlash(L"/Data//"), L"/Data");
+    EXPECT_EQ(WithoutTrailingSlash(L"/"), L"/");
+    EXPECT_EQ(WithoutTrailingSlash(L"//"), L"/");
+    EXPECT_EQ(WithoutTrailingSlash(L"a"), L"a");
+    EXPECT_EQ(WithoutTrailingSlash(L""), L"");
+    // Only the last part's dot counts.
+    EXPECT_EQ(GetFileType(L"@h:/Data/Run1.VXS"), L"VXS");
+    EXPECT_EQ(GetFileType(L"/a.b/run"), L"");
+    EXPECT_EQ(GetFileType(L"archive.tar.gz"), L"gz");
+    EXPECT_EQ(GetFileType(L"/Data/ends."), L"");
 }
 
 TEST(RemoteName, ActualHostFromSettings) {

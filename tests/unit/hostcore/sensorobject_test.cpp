@@ -1,6 +1,7 @@
 #include "paths.h"
 #include "sensorinfo.h"
 #include "sensorobject.h"
+#include "sensorref.h"
 
 #include "fakechannel.h"
 #include "recordingobserver.h"
@@ -51,6 +52,12 @@ public:
 private:
     bool* m_destroyed;
     std::atomic<bool> m_open{false};
+};
+
+// A sensor of another type, for the holder's type check.
+class OtherSensor : public ISensorObject {
+public:
+    using ISensorObject::ISensorObject;
 };
 
 // A sensor with a fake communication sensor, on line, observed.
@@ -140,6 +147,37 @@ TEST(SensorObject, RegistryAndReferenceCounting) {
     EXPECT_EQ(sensor->RefCount(), 1);
     sensor->DecRef();
     EXPECT_TRUE(destroyed);
+}
+
+// The holder keeps exactly one reference through sharing, moving and resetting, and drops a sensor of
+// another type at once.
+TEST(SensorObject, ReferenceHolder) {
+    bool destroyed = false;
+    auto* sensor = new FakeSensor(L"Box-4", nullptr, &destroyed);
+    {
+        SensorRef<FakeSensor> adopted = SensorRef<FakeSensor>::Adopt(sensor);
+        const SensorRef<> shared = SensorRef<>::Share(sensor);
+        EXPECT_EQ(sensor->RefCount(), 2);
+        SensorRef<FakeSensor> moved = std::move(adopted);
+        EXPECT_FALSE(adopted);
+        EXPECT_EQ(moved.get(), sensor);
+        EXPECT_EQ(sensor->RefCount(), 2);
+        moved.Reset();
+        EXPECT_EQ(sensor->RefCount(), 1);
+        EXPECT_FALSE(destroyed);
+    }
+    EXPECT_TRUE(destroyed);
+
+    destroyed = false;
+    const auto wrongType =
+        SensorRef<OtherSensor>::AdoptIf(ISensorObject::SelectAndRef(ISensorAddress(L"Box-5")));
+    EXPECT_FALSE(wrongType);
+    new FakeSensor(L"Box-5", nullptr, &destroyed);
+    EXPECT_FALSE(SensorRef<OtherSensor>::AdoptIf(ISensorObject::SelectAndRef(ISensorAddress(L"Box-5"))));
+    EXPECT_FALSE(destroyed);
+    SensorRef<>::Adopt(ISensorObject::Select(ISensorAddress(L"Box-5"))).Reset();
+    EXPECT_TRUE(destroyed);
+    EXPECT_FALSE(SensorRef<>::Share(nullptr));
 }
 
 TEST(SensorObject, GoOnlineAndDisconnect) {

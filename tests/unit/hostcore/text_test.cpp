@@ -59,3 +59,10 @@ TEST(Text, CaseInsensitiveComparison) {
     EXPECT_EQ(ReplaceAll(L"aaa", L"a", L"aa"), L"aaaaaa");
     EXPECT_EQ(ReplaceAll(L"abc", L"", L"x"), L"abc");
 }
+
+TEST(Text, TrimBlanks) {
+    EXPECT_EQ(TrimBlanks(" \t key = v \r\n"), "key = v");
+    EXPECT_EQ(TrimBlanks("inner  blanks stay"), "inner  blanks stay");
+    EXPECT_EQ(TrimBlanks(" \r\n\t"), "");
+    EXPECT_EQ(TrimBlanks(""), "");
+}

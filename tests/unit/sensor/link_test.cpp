@@ -160,7 +160,7 @@ TEST(Link, StalledPeerFailsTheReceiveAfterThreeSecondsAndTakesTheSensorOffline) 
     }));
     SensorHandle sensor(peer.host());
     RecordingObserver observer;
-    observer.SetSensor(sensor.sensor);
+    observer.SetSensor(sensor.get());
     ASSERT_TRUE(sensor->GoOnline());
 
     char buffer[32];

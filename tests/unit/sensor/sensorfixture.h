@@ -1,12 +1,11 @@
 #pragma once
-// A VEXASensorObject for one host, released (last reference) when the fixture goes.
+// A VEXASensorObject for one host, released (last reference) when the handle goes.
 #include "recordingobserver.h"
+#include "sensorref.h"
 #include "vexasensorobject.h"
 
-struct SensorHandle {
+class SensorHandle : public SensorRef<VEXASensorObject> {
+public:
     explicit SensorHandle(const std::wstring& host)
-        : sensor(new VEXASensorObject(nullptr, ISensorAddress(host))) {}
-    ~SensorHandle() { sensor->DecRef(); }
-    VEXASensorObject* operator->() const { return sensor; }
-    VEXASensorObject* sensor;
+        : SensorRef(Adopt(new VEXASensorObject(nullptr, ISensorAddress(host)))) {}
 };

@@ -4,6 +4,7 @@
 #include "paths.h"
 #include "recordingtoolui.h"
 #include "registry.h"
+#include "sensorref.h"
 #include "stringtable.h"
 #include "tempdir.h"
 #include "text.h"
@@ -159,16 +160,14 @@ TEST_F(VexaSensorInfoTest, AddressesAndSensorObjects) {
     EXPECT_EQ(info.CreateSensorObject(nullptr, ISensorAddress()), nullptr);
     EXPECT_EQ(info.CreateSensorObject(nullptr, ISensorAddress(L"host:4840")), nullptr);
 
-    ISensorObject* made = info.CreateSensorObject(nullptr, ISensorAddress(L"127.0.0.9"));
-    ASSERT_NE(made, nullptr);
-    auto* sensor = dynamic_cast<VEXASensorObject*>(made);
-    ASSERT_NE(sensor, nullptr);
+    const auto sensor =
+        SensorRef<VEXASensorObject>::AdoptIf(info.CreateSensorObject(nullptr, ISensorAddress(L"127.0.0.9")));
+    ASSERT_TRUE(sensor);
     EXPECT_EQ(sensor->GetSensorInfo(), &info);
     EXPECT_EQ(sensor->GetSensorAddress().GetHostname(), L"127.0.0.9");
     EXPECT_NE(sensor->GetChannel(), nullptr); // the command channel is attached, not yet open
     EXPECT_FALSE(sensor->GetChannel()->IsOpen());
     EXPECT_FALSE(sensor->IsOnline(true));
-    made->DecRef();
 }
 
 TEST_F(VexaSensorInfoTest, OtherCategoriesAreTheHosts) {
