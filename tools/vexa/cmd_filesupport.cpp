@@ -1,10 +1,11 @@
 #include "cmd_filesupport.h"
 
 #include "ftperror.h"
-#include "ftpsession.h"
+#include "ftpputinplace.h"
 #include "paths.h"
 #include "pumpwait.h"
 #include "remotename.h"
+#include "safecopy.h"
 #include "sensoraddress.h"
 #include "stdiofile.h"
 #include "systemaccess.h"
@@ -63,19 +64,18 @@ std::string Clock(double seconds) {
     return text;
 }
 
-// Copies a local file to an instrument over FTP: the temporary name first, then a rename, as the
-// folder list does over the link.
+// Copies a local file to an instrument over FTP: the temporary name first, then a rename over FTP, as
+// the folder list does.
 int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo& entry,
                const std::wstring& host, const std::wstring& folder, const std::wstring& name,
                TerminalProgress& progress, const std::string& verb) {
-    const std::wstring temporary = std::wstring(CVexaFileList::kTemporaryPrefix) + name;
-    const std::wstring temporaryName = MakeFilename(folder, temporary, host);
     const std::wstring finalName = MakeFilename(folder, name, host);
     StdioFile in;
     if (!in.Open(source.path, L"rb")) {
         PrintFileError(ctx, verb + " " + source.text, in.GetError(), in.GetErrorText());
         return ExitCodeFor(in.GetError());
     }
+    const std::wstring temporaryName = MakeFilename(folder, kCopyTemporaryPrefix + name, host);
     StdioFile out;
     if (!out.Open(temporaryName, L"wb")) {
         PrintFileError(ctx, verb + " " + ToUtf8(finalName) + " (over FTP)", out.GetError(),
@@ -84,46 +84,16 @@ int PutOverFtp(const CliContext& ctx, const FileOperand& source, const FileInfo&
     }
     progress.SetCurrentFile(source.path);
     progress.SetFileSize(entry.size);
+    FtpPutInPlace overFtp;
+    SafeCopy copy{.in = in,
+                  .out = out,
+                  .temporaryName = temporaryName,
+                  .finalName = finalName,
+                  .placer = overFtp,
+                  .progress = &progress};
     int error = 0;
     std::wstring text;
-    std::vector<char> block(CVexaFileList::kCopyBlockSize);
-    for (;;) {
-        const int got = in.Read(block.data(), int(block.size()));
-        if (got < 0) {
-            error = in.GetError() ? in.GetError() : kErrBadFile;
-            text = in.GetErrorText();
-            break;
-        }
-        if (got == 0)
-            break;
-        if (out.Write(block.data(), got) != got) {
-            error = out.GetError() ? out.GetError() : kErrBadFile;
-            text = out.GetErrorText();
-            break;
-        }
-        progress.AddBytes(got);
-        if (progress.IsCancelled()) {
-            error = ECANCELED;
-            break;
-        }
-    }
-    // Over FTP only the server's confirmation of the whole file counts: Close says whether it came.
-    if (!out.Close() && error == 0) {
-        error = out.GetError() ? out.GetError() : kErrBadFile;
-        text = out.GetErrorText();
-    }
-    in.Close();
-    if (error != 0) {
-        FtpDelete(host, folder, temporary, nullptr, nullptr);
-        PrintFileError(ctx, verb + " " + source.text, error, text);
-        return ExitCodeFor(error);
-    }
-    const bool replaced = FtpDelete(host, folder, name, nullptr, nullptr);
-    if (!FtpRename(host, folder, temporary, name, &error, &text)) {
-        if (replaced)
-            text += L"; the new file was kept as " + temporaryName;
-        else
-            FtpDelete(host, folder, temporary, nullptr, nullptr);
+    if (!copy.Run(&error, &text)) {
         PrintFileError(ctx, verb + " " + source.text, error, text);
         return ExitCodeFor(error);
     }

@@ -1,7 +1,10 @@
 #include "vexafilelist.h"
 
+#include "fileinfoputinplace.h"
+#include "ftpputinplace.h"
 #include "paths.h"
 #include "remotename.h"
+#include "safecopy.h"
 #include "sensorobject.h"
 #include "stdiofile.h"
 #include "text.h"
@@ -10,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <mutex>
+#include <string_view>
 #include <vector>
 
 #include <sys/stat.h>
@@ -42,11 +46,13 @@ private:
     FileListBusyHook m_hook;
 };
 
-// Drops trailing separators, keeping a lone root.
-std::wstring WithoutTrailingSeparator(std::wstring folder) {
-    while (folder.size() > 1 && (folder.back() == L'/' || folder.back() == kNativeSeparator))
-        folder.pop_back();
-    return folder;
+// A link failure stays in the sensor rather than the file: the side's link error then says why.
+int SideError(StdioFile& file, const CVexaFileList& side) {
+    if (file.GetError() != 0)
+        return file.GetError();
+    if (side.IsRemote() && side.Sensor() && side.Sensor()->GetLastLinkError() != 0)
+        return side.Sensor()->GetLastLinkError();
+    return int(kErrBadFile);
 }
 
 } // namespace
@@ -85,7 +91,7 @@ bool CVexaFileList::SetPath(const std::wstring& path) {
     if (remote ? host.empty() || folder.empty() : folder.empty())
         return false;
     m_host = remote ? host : std::wstring();
-    m_folder = WithoutTrailingSeparator(folder);
+    m_folder = WithoutTrailingSlash(folder);
     return true;
 }
 
@@ -264,14 +270,12 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         return MakeFolder(name); // the contents are the copy job's business
 
     const std::wstring sourceName = source.FullName(entry);
-    const std::wstring finalName = FullName(name);
-    const std::wstring temporaryName = FullName(kTemporaryPrefix + name);
-
     StdioFile in;
     if (!in.Open(sourceName, L"rb")) {
         SetError(in.GetError(), in.GetErrorText());
         return false;
     }
+    const std::wstring temporaryName = FullName(kCopyTemporaryPrefix + name);
     StdioFile out;
     if (!out.Open(temporaryName, L"wb")) {
         SetError(out.GetError(), out.GetErrorText());
@@ -282,76 +286,31 @@ bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, I
         progress->SetCurrentFile(sourceName);
         progress->SetFileSize(entry.size);
     }
-
-    // A link failure stays in the sensor rather than the file: the side's link error then says why.
-    auto sideError = [](StdioFile& file, const CVexaFileList& side) {
-        if (file.GetError() != 0)
-            return file.GetError();
-        if (side.IsRemote() && side.Sensor() && side.Sensor()->GetLastLinkError() != 0)
-            return side.Sensor()->GetLastLinkError();
-        return int(kErrBadFile);
-    };
-    // Drops the unfinished temporary file: the final name is never touched on the way out.
-    auto abandon = [&](int error, const std::wstring& text) {
-        out.Close();
-        in.Close();
-        FileInfo::Delete(temporaryName);
-        SetError(error, text);
-        return false;
-    };
-    // A remote source announces its length (32 bits on the wire; FTP may not know it, -1). A link
-    // stream that runs past it is cut off there with an error instead of filling the disk.
-    const std::wstring_view transport = in.TransportName();
-    const int announced = transport == L"local" ? -1 : in.GetLength();
-    const bool bounded = transport == L"link" || announced >= 0;
-    const int64_t limit = int64_t(uint32_t(announced));
-    std::vector<char> block(kCopyBlockSize);
-    int64_t copied = 0;
-    for (;;) {
-        const int got = in.Read(block.data(), kCopyBlockSize);
-        if (got < 0)
-            return abandon(sideError(in, source), in.GetErrorText());
-        if (got == 0)
-            break;
-        if (bounded && copied + got > limit)
-            return abandon(EFBIG, L"the source sent more than the " + std::to_wstring(limit) +
-                                      L" bytes it announced");
-        if (out.Write(block.data(), got) != got)
-            return abandon(sideError(out, *this), out.GetErrorText());
-        copied += got;
-        if (progress) {
-            progress->AddBytes(got);
-            if (progress->IsCancelled())
-                return abandon(ECANCELED, L"cancelled");
-        }
-    }
-    // A remote source that ended early is no copy: a link that dropped (an instrument file whose request
-    // never left reads as empty) or fewer bytes than the instrument announced at the open must not
-    // replace the old file. Lengths are 32-bit on the wire, so only the low part is compared.
-    const bool linkLost = transport == L"link" && source.Sensor() && !source.Sensor()->IsLinkOpen();
-    if (linkLost || (announced >= 0 && uint32_t(copied) != uint32_t(announced))) {
-        const int error = linkLost ? sideError(in, source) : int(EIO);
-        return abandon(error, linkLost ? std::wstring() : L"the source ended before its announced length");
-    }
-    if (!out.Close())
-        return abandon(sideError(out, *this), out.GetErrorText());
-    in.Close();
-
-    // The old file goes only now that the new one is complete.
-    const bool replaced = FileInfo::Delete(finalName);
-    if (!FileInfo::Rename(temporaryName, finalName)) {
-        const int error = FileInfo::LastError();
-        std::wstring text = FileInfo::LastErrorText();
-        if (replaced) {
-            // The old file is gone: the temporary file is now the only copy, so it stays.
-            text += (text.empty() ? L"" : L"; ") + std::wstring(L"the new file was kept as ") + temporaryName;
-        } else {
-            FileInfo::Delete(temporaryName);
-        }
+    // A file that went over FTP is put in place over FTP: the link may be what is missing.
+    FtpPutInPlace overFtp;
+    FileInfoPutInPlace throughFileInfo;
+    IPutInPlace& placer =
+        IsRemote() && m_lastTransport == L"FTP" ? static_cast<IPutInPlace&>(overFtp) : throughFileInfo;
+    SafeCopy copy{.in = in,
+                  .out = out,
+                  .temporaryName = temporaryName,
+                  .finalName = FullName(name),
+                  .placer = placer,
+                  .progress = progress,
+                  .errorOf = [&](StdioFile& file,
+                                 bool fromSource) { return SideError(file, fromSource ? source : *this); },
+                  .sourceLost =
+                      [&] {
+                          return std::wstring_view(in.TransportName()) == L"link" && source.Sensor() &&
+                                 !source.Sensor()->IsLinkOpen();
+                      }};
+    int error = 0;
+    std::wstring text;
+    if (!copy.Run(&error, &text)) {
         SetError(error, text);
         return false;
     }
     if (!IsRemote())
-        CopyTimes(entry, source, finalName);
+        CopyTimes(entry, source, copy.finalName);
     return true;
 }

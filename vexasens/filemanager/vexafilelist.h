@@ -32,10 +32,6 @@ class CVexaFileList {
 public:
     enum SortColumn : int { kSortName = 0, kSortSize = 1, kSortTime = 2 };
 
-    // Prefixed to a file's name while a copy writes it; renamed to the final name once complete.
-    static constexpr const wchar_t* kTemporaryPrefix = L"___temp@@";
-    static constexpr int kCopyBlockSize = 16384;
-
     // Splits `startPath` with ParseFilename into host and folder and reads the folder at once when it
     // is local, or remote and the sensor is on line. The folder is the part before the last separator:
     // pass a folder with a trailing separator (FolderArgument gives that form) or a file inside it.
@@ -73,8 +69,9 @@ public:
 
     // Copies one entry of `source` into this folder under `destinationName` (empty: the entry's own
     // name). A folder is only made, not filled. A file is written under the temporary prefix and put in
-    // place once complete; an existing file of the final name is replaced only then. `progress` may be
-    // null; a cancel deletes the temporary file and returns false with LastError() ECANCELED.
+    // place once complete (SafeCopy); an existing file of the final name is replaced only then. A file
+    // that went to an instrument over FTP is put in place over FTP too. `progress` may be null; a
+    // cancel deletes the temporary file and returns false with LastError() ECANCELED.
     bool CopyIn(const FileInfo& entry, const CVexaFileList& source, ICopyProgress* progress,
                 const std::wstring& destinationName = {});
 

@@ -102,8 +102,10 @@ TEST_F(FactoryChoice, FileListCopiesOverFtpThroughItsTemporaryName) {
     ASSERT_NE(notes, nullptr);
     CVexaFileList instrumentSide(m_sensor.get(), CVexaFileList::FolderArgument(m_sim->host(), L"/Data"),
                                  false);
-    // Without the link the folder operations of the copy (delete, rename) have no back end: the copy
-    // fails, and the file never appears under its final name (the command-line tool renames over FTP).
-    EXPECT_FALSE(instrumentSide.CopyIn(*notes, pcSide, nullptr));
-    EXPECT_FALSE(FileExists(m_ftpHome.file("Data/notes.txt")));
+    // Without the link the file is put in place over FTP as well, replacing the old one.
+    m_ftpHome.createFile("Data/notes.txt", "old notes");
+    ASSERT_TRUE(instrumentSide.CopyIn(*notes, pcSide, nullptr)) << instrumentSide.LastError();
+    EXPECT_EQ(instrumentSide.LastTransport(), L"FTP");
+    EXPECT_EQ(ReadWholeFile(m_ftpHome.file("Data/notes.txt")), "from the PC");
+    EXPECT_FALSE(FileExists(m_ftpHome.file("Data/___temp@@notes.txt")));
 }
