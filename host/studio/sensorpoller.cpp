@@ -1,7 +1,5 @@
 #include "sensorpoller.h"
 
-#include "sensorobject.h"
-
 #include <QTimer>
 
 namespace {
@@ -20,8 +18,7 @@ SensorPoller::~SensorPoller() {
 bool SensorPoller::Start(ISensorObject* sensor, qint64 now) {
     if (!sensor || m_running.contains(sensor))
         return false;
-    sensor->IncRef();
-    m_running.insert(sensor);
+    m_running.emplace(sensor, SensorRef<>::Share(sensor));
     // `this` outlives the task: Finish waits for the pool before the poller goes.
     m_pool.start([this, sensor, now] {
         sensor->OnTimer(now);
@@ -38,15 +35,12 @@ bool SensorPoller::IsPolling(const ISensorObject* sensor) const {
 void SensorPoller::Finish() {
     m_pool.waitForDone();
     // The queued endings of these polls are dropped with the poller or find nothing to release.
-    for (ISensorObject* sensor : std::as_const(m_running))
-        sensor->DecRef();
     m_running.clear();
 }
 
 void SensorPoller::Done(ISensorObject* sensor) {
-    if (!m_running.remove(sensor))
+    if (m_running.erase(sensor) == 0)
         return; // released by Finish already
-    sensor->DecRef();
     if (m_signalQueued)
         return;
     m_signalQueued = true;

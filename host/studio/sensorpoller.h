@@ -5,11 +5,12 @@
 // Thread rule: Start, IsPolling and Finish are called on the GUI thread. OnTimer runs on a pool thread;
 // the sensor's notifications still reach the window as posted events. A sensor holds an extra
 // reference while it is polled, released on the GUI thread when its poll has ended.
+#include "sensorref.h"
+
 #include <QObject>
-#include <QSet>
 #include <QThreadPool>
 
-class ISensorObject;
+#include <map>
 
 class SensorPoller : public QObject {
     Q_OBJECT
@@ -32,6 +33,6 @@ private:
     void Done(ISensorObject* sensor);
 
     QThreadPool m_pool;
-    QSet<ISensorObject*> m_running;
+    std::map<ISensorObject*, SensorRef<>> m_running;
     bool m_signalQueued = false;
 };

@@ -24,7 +24,7 @@ std::map<std::string, std::string> StatusValues(const std::string& text) {
 class CommandLanguageTest : public SimulatorTest {
 protected:
     ReceivedFrame Run(RawLinkClient& client, const std::string& command) {
-        return Ask(client, ++m_id, 8, command, {}, 0, 30);
+        return Ask(client, ++m_id, kWireRun, command, {}, 0, 30);
     }
     std::string Output(RawLinkClient& client, const std::string& command) {
         const ReceivedFrame frame = Run(client, command);
@@ -150,6 +150,6 @@ TEST_F(CommandLanguageTest, ReplyDelayHoldsBackEveryAnswer) {
     };
     EXPECT_GE(timed([&] { EXPECT_NE(Output(*client, "status").find("model="), std::string::npos); }),
               std::chrono::milliseconds(300));
-    EXPECT_GE(timed([&] { EXPECT_EQ(Ask(*client, ++m_id, 9, "/Data/run1.vxs").kind, 9); }),
+    EXPECT_GE(timed([&] { EXPECT_EQ(Ask(*client, ++m_id, kWireDescribe, "/Data/run1.vxs").kind, 9); }),
               std::chrono::milliseconds(300));
 }

@@ -21,45 +21,45 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     for (int i = 0; i < 400; ++i)
         dots += "../";
     const Case cases[] = {
-        {1, "..", "", 0x0100},
-        {1, "/..", "", 0x0100},
-        {1, "/../", "", 0x0100},
-        {1, "/Data/../../outside", "", 0x0100},
-        {1, "/Escape", "", 0x0100},
-        {3, "/../outside/secret.txt", "", 0},
-        {3, "../outside/secret.txt", "", 0},
-        {3, "/Escape/secret.txt", "", 0},
-        {3, "/Data/secret.vxs", "", 0},
-        {3, "/Data/relative.vxs", "", 0},
-        {9, "/Escape/secret.txt", "", 0},
-        {9, "/../outside", "", 0},
-        {4, "/Escape/secret.txt", "", 0},
-        {4, "/Escape", "", 0x0004},
-        {4, "/..", "", 0x0004},
-        {5, "/Escape/secret.txt", "/stolen.txt", 0},
-        {5, "/hosts", "/../outside/hosts", 0},
-        {7, "/../outside/made", "", 0},
-        {7, "/Escape/made", "", 0},
+        {kWireList, "..", "", kWireListing},
+        {kWireList, "/..", "", kWireListing},
+        {kWireList, "/../", "", kWireListing},
+        {kWireList, "/Data/../../outside", "", kWireListing},
+        {kWireList, "/Escape", "", kWireListing},
+        {kWireOpenRead, "/../outside/secret.txt", "", 0},
+        {kWireOpenRead, "../outside/secret.txt", "", 0},
+        {kWireOpenRead, "/Escape/secret.txt", "", 0},
+        {kWireOpenRead, "/Data/secret.vxs", "", 0},
+        {kWireOpenRead, "/Data/relative.vxs", "", 0},
+        {kWireDescribe, "/Escape/secret.txt", "", 0},
+        {kWireDescribe, "/../outside", "", 0},
+        {kWireDelete, "/Escape/secret.txt", "", 0},
+        {kWireDelete, "/Escape", "", kWireRecursive},
+        {kWireDelete, "/..", "", kWireRecursive},
+        {kWireRename, "/Escape/secret.txt", "/stolen.txt", 0},
+        {kWireRename, "/hosts", "/../outside/hosts", 0},
+        {kWireMkDir, "/../outside/made", "", 0},
+        {kWireMkDir, "/Escape/made", "", 0},
         // Absolute names are taken under the root: there is no /etc there.
-        {3, "/etc/passwd", "", 0},
-        {3, "//etc/passwd", "", 0},
+        {kWireOpenRead, "/etc/passwd", "", 0},
+        {kWireOpenRead, "//etc/passwd", "", 0},
         // NUL bytes, backslashes, bytes that are no UTF-8, paths longer than the field.
-        {3, std::string("/../outside/secret.txt\0/hosts", 29), "", 0},
-        {3, "\\..\\outside\\secret.txt", "", 0},
-        {3, "/Data/..\\..\\outside/secret.txt", "", 0},
-        {3, "/Data/\xff\xfe/../../../outside/secret.txt", "", 0},
-        {3, dots + "outside/secret.txt", "", 0},
-        {3, "/Data/" + dots + "outside/secret.txt", "", 0},
-        {9, "/Data/../../outside/secret.txt", "", 0},
-        {1, "/Data/relative.vxs/../../../outside", "", 0x0100},
-        {1, "/Escape/../../outside", "", 0x0100},
-        {4, "/Data/../../outside", "", 0x0004},
-        {4, "/Escape/../../outside/secret.txt", "", 0},
-        {5, "/../outside/secret.txt", "/stolen.txt", 0},
-        {5, "/hosts", "/Escape/hosts", 0},
-        {5, "/Data/relative.vxs/../../outside/secret.txt", "/stolen2.txt", 0},
-        {7, "/Escape/../../outside/made", "", 0},
-        {7, std::string("/\0../outside/made", 17), "", 0},
+        {kWireOpenRead, std::string("/../outside/secret.txt\0/hosts", 29), "", 0},
+        {kWireOpenRead, "\\..\\outside\\secret.txt", "", 0},
+        {kWireOpenRead, "/Data/..\\..\\outside/secret.txt", "", 0},
+        {kWireOpenRead, "/Data/\xff\xfe/../../../outside/secret.txt", "", 0},
+        {kWireOpenRead, dots + "outside/secret.txt", "", 0},
+        {kWireOpenRead, "/Data/" + dots + "outside/secret.txt", "", 0},
+        {kWireDescribe, "/Data/../../outside/secret.txt", "", 0},
+        {kWireList, "/Data/relative.vxs/../../../outside", "", kWireListing},
+        {kWireList, "/Escape/../../outside", "", kWireListing},
+        {kWireDelete, "/Data/../../outside", "", kWireRecursive},
+        {kWireDelete, "/Escape/../../outside/secret.txt", "", 0},
+        {kWireRename, "/../outside/secret.txt", "/stolen.txt", 0},
+        {kWireRename, "/hosts", "/Escape/hosts", 0},
+        {kWireRename, "/Data/relative.vxs/../../outside/secret.txt", "/stolen2.txt", 0},
+        {kWireMkDir, "/Escape/../../outside/made", "", 0},
+        {kWireMkDir, std::string("/\0../outside/made", 17), "", 0},
     };
     std::uint32_t id = 0;
     for (const Case& c : cases) {
@@ -76,8 +76,8 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     // The command language takes paths too; they name files to the instrument, never open them here.
     for (const std::string command : {"method run \"/../outside/secret.txt\" -speed=2",
                                       "tune manual 1 /../outside/secret.txt", "backup /../outside"})
-        Ask(*client, ++id, 8, command, {}, 0, 10);
-    EXPECT_EQ(Ask(*client, ++id, 9, "/hosts").kind, 9); // both uploads were consumed
+        Ask(*client, ++id, kWireRun, command, {}, 0, 10);
+    EXPECT_EQ(Ask(*client, ++id, kWireDescribe, "/hosts").kind, 9); // both uploads were consumed
 
     EXPECT_EQ(ReadWholeFile(m_temp.file("outside/secret.txt")), "not for the instrument");
     EXPECT_FALSE(fs::exists(m_temp.file("outside/written.txt")));
@@ -86,7 +86,7 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     EXPECT_TRUE(fs::exists(m_temp.file("root/hosts")));
 
     // Links that lead out are not listed either.
-    const ReceivedFrame rootListing = Ask(*client, ++id, 1, "/", {}, 0x0101);
+    const ReceivedFrame rootListing = Ask(*client, ++id, kWireList, "/", {}, kWireListing | kWireListOption);
     for (const ListedEntry& entry : DecodeRecords(rootListing.payload))
         EXPECT_NE(entry.name, "Escape");
 }
@@ -95,7 +95,7 @@ TEST_F(SimulatorTest, DotsThatStayInsideTheRootAreServed) {
     Start();
     auto client = Connect();
     for (const char* path : {"/Data/../hostname", "Data/./../hostname", "//hostname"}) {
-        const ReceivedFrame frame = Ask(*client, 1, 3, path);
+        const ReceivedFrame frame = Ask(*client, 1, kWireOpenRead, path);
         EXPECT_EQ(frame.kind, 9) << path;
         EXPECT_EQ(Content({frame}), ToBytes("vexaron-0427\n")) << path;
     }

@@ -6,10 +6,10 @@
 TEST_F(SimulatorTest, StallAfterKeepsTheConnectionOpenButSilent) {
     Start({"--fault", "stall-after=40"});
     auto client = Connect(500);
-    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname")); // 32 + 13 bytes
+    ASSERT_TRUE(client->SendRequest(1, kWireOpenRead, "/hostname")); // 32 + 13 bytes
     EXPECT_EQ(client->ReadUpTo(45).size(), 40u);
     EXPECT_FALSE(client->sawClose());
-    ASSERT_TRUE(client->SendRequest(2, 9, "/hosts"));
+    ASSERT_TRUE(client->SendRequest(2, kWireDescribe, "/hosts"));
     EXPECT_TRUE(client->ReadUpTo(1).empty());
     EXPECT_FALSE(client->sawClose());
 }
@@ -18,7 +18,7 @@ TEST_F(SimulatorTest, TrickleSendsByteByByte) {
     Start({"--fault", "trickle=15"});
     auto client = Connect();
     const auto start = std::chrono::steady_clock::now();
-    ASSERT_TRUE(client->SendRequest(1, 3, "/hostname"));
+    ASSERT_TRUE(client->SendRequest(1, kWireOpenRead, "/hostname"));
     std::optional<ReceivedFrame> frame = client->ReadFrame();
     const auto elapsed = std::chrono::steady_clock::now() - start;
     ASSERT_TRUE(frame);
@@ -31,9 +31,9 @@ TEST_F(SimulatorTest, CloseMidFrameCutsTheDataFrame) {
     Start({"--fault", "close-mid-frame=10"});
     auto client = Connect();
     // Replies are not data frames and pass whole.
-    const ReceivedFrame reply = Ask(*client, 1, 7, "/Made");
+    const ReceivedFrame reply = Ask(*client, 1, kWireMkDir, "/Made");
     EXPECT_EQ(reply.status(), 0u);
-    ASSERT_TRUE(client->SendRequest(2, 3, "/hostname"));
+    ASSERT_TRUE(client->SendRequest(2, kWireOpenRead, "/hostname"));
     EXPECT_EQ(client->ReadUpTo(100).size(), 10u);
     EXPECT_TRUE(client->sawClose());
 }
@@ -49,7 +49,7 @@ TEST_F(SimulatorTest, ReplyStatusAnswersEveryFileRequest) {
     }
     EXPECT_TRUE(FileExists(root() + "/hostname"));
     // The command language is not part of the file service and keeps answering.
-    const ReceivedFrame echo = Ask(*client, 8, 8, "echo still here");
+    const ReceivedFrame echo = Ask(*client, 8, kWireRun, "echo still here");
     EXPECT_EQ(echo.kind, 9);
     EXPECT_EQ(echo.text(), "still here\n");
 }
@@ -57,9 +57,9 @@ TEST_F(SimulatorTest, ReplyStatusAnswersEveryFileRequest) {
 TEST_F(SimulatorTest, DropAfterFramesClosesAfterTheLimit) {
     Start({"--fault", "drop-after-frames=2"});
     auto client = Connect();
-    EXPECT_EQ(Ask(*client, 1, 7, "/A").status(), 0u);
-    EXPECT_EQ(Ask(*client, 2, 7, "/B").status(), 0u);
-    ASSERT_TRUE(client->SendRequest(3, 7, "/C"));
+    EXPECT_EQ(Ask(*client, 1, kWireMkDir, "/A").status(), 0u);
+    EXPECT_EQ(Ask(*client, 2, kWireMkDir, "/B").status(), 0u);
+    ASSERT_TRUE(client->SendRequest(3, kWireMkDir, "/C"));
     EXPECT_FALSE(client->ReadFrame());
     EXPECT_TRUE(client->sawClose());
 }

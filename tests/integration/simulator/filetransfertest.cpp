@@ -17,7 +17,7 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
 TEST_F(SimulatorTest, ListsTheDemoRootWithoutParentOrHiddenEntries) {
     Start();
     auto client = Connect();
-    const ReceivedFrame frame = Ask(*client, 41, 1, "/", {}, 0x0100);
+    const ReceivedFrame frame = Ask(*client, 41, kWireList, "/", {}, kWireListing);
     EXPECT_EQ(frame.marker, 0x0A0B0C0Du);
     EXPECT_EQ(frame.kind, 9);
     EXPECT_EQ(frame.flags, 0x0100);
@@ -40,7 +40,7 @@ TEST_F(SimulatorTest, ListsTheDemoRootWithoutParentOrHiddenEntries) {
         }
     }
 
-    const ReceivedFrame hidden = Ask(*client, 42, 1, "/", {}, 0x0101);
+    const ReceivedFrame hidden = Ask(*client, 42, kWireList, "/", {}, kWireListing | kWireListOption);
     const std::vector<std::string> allNames = Names(DecodeRecords(hidden.payload));
     EXPECT_TRUE(Contains(allNames, ".config.level"));
     EXPECT_TRUE(Contains(allNames, ".config.fp"));
@@ -49,7 +49,7 @@ TEST_F(SimulatorTest, ListsTheDemoRootWithoutParentOrHiddenEntries) {
 TEST_F(SimulatorTest, ListingBelowTheRootStartsWithParentEntry) {
     Start();
     auto client = Connect();
-    const ReceivedFrame frame = Ask(*client, 7, 1, "/Data", {}, 0x0100);
+    const ReceivedFrame frame = Ask(*client, 7, kWireList, "/Data", {}, kWireListing);
     const std::vector<ListedEntry> entries = DecodeRecords(frame.payload);
     ASSERT_FALSE(entries.empty());
     EXPECT_EQ(entries[0].name, "..");
@@ -65,7 +65,7 @@ TEST_F(SimulatorTest, ListingSplitsIntoFramesOfWholeRecords) {
     Start();
     auto client = Connect();
 
-    ASSERT_TRUE(client->SendRequest(9, 1, "/Many", {}, 0x0100));
+    ASSERT_TRUE(client->SendRequest(9, kWireList, "/Many", {}, kWireListing));
     std::vector<ReceivedFrame> frames;
     ASSERT_TRUE(client->ReadTransfer(&frames));
     // 131 records (with "..") at 59 per 65,536-byte frame.
@@ -77,7 +77,7 @@ TEST_F(SimulatorTest, ListingSplitsIntoFramesOfWholeRecords) {
     EXPECT_EQ(frames[2].payload.size(), 13u * 1104);
 
     // An empty folder below the root holds only "..".
-    const ReceivedFrame empty = Ask(*client, 10, 1, "/Empty", {}, 0x0100);
+    const ReceivedFrame empty = Ask(*client, 10, kWireList, "/Empty", {}, kWireListing);
     EXPECT_EQ(Names(DecodeRecords(empty.payload)), std::vector<std::string>{".."});
 }
 
@@ -86,7 +86,7 @@ TEST_F(SimulatorTest, EmptyRootListsAsOneEmptyFrame) {
     fs::create_directory(root());
     Start();
     auto client = Connect();
-    const ReceivedFrame frame = Ask(*client, 3, 1, "/", {}, 0x0100);
+    const ReceivedFrame frame = Ask(*client, 3, kWireList, "/", {}, kWireListing);
     EXPECT_EQ(frame.kind, 9);
     EXPECT_EQ(frame.flags, 0x0100);
     EXPECT_EQ(frame.length, 0u);
@@ -101,9 +101,9 @@ TEST_F(SimulatorTest, FailuresReplyWithStatusAndTheRequestId) {
         std::uint16_t flags;
         std::uint32_t status;
     } cases[] = {
-        {1, "/NoSuchFolder", 0x0100, 2}, {1, "/hostname", 0x0100, 20},
-        {3, "/Data/missing.vxs", 0, 2},  {3, "/Data", 0, 21},
-        {9, "/Data/none.vxs", 0, 2},
+        {kWireList, "/NoSuchFolder", kWireListing, 2}, {kWireList, "/hostname", kWireListing, 20},
+        {kWireOpenRead, "/Data/missing.vxs", 0, 2},    {kWireOpenRead, "/Data", 0, 21},
+        {kWireDescribe, "/Data/none.vxs", 0, 2},
     };
     std::uint32_t id = 70;
     for (const Case& c : cases) {
@@ -140,7 +140,7 @@ TEST_F(SimulatorTest, ReadsFilesPlainAndCompressed) {
         SCOPED_TRACE(c.path);
         Start(c.options);
         auto client = Connect();
-        ASSERT_TRUE(client->SendRequest(5, 3, c.path));
+        ASSERT_TRUE(client->SendRequest(5, kWireOpenRead, c.path));
         std::vector<ReceivedFrame> frames;
         ASSERT_TRUE(client->ReadTransfer(&frames));
         const std::size_t expectedFrames = (c.expected.size() + 65535) / 65536;
@@ -169,7 +169,7 @@ TEST_F(SimulatorTest, CompressesAgainOnceTheContentShrinks) {
     m_temp.createFile("root/Data/mixed.vxs", content);
     Start();
     auto client = Connect();
-    ASSERT_TRUE(client->SendRequest(6, 3, "/Data/mixed.vxs"));
+    ASSERT_TRUE(client->SendRequest(6, kWireOpenRead, "/Data/mixed.vxs"));
     std::vector<ReceivedFrame> frames;
     ASSERT_TRUE(client->ReadTransfer(&frames));
     ASSERT_EQ(frames.size(), 5u);
@@ -183,7 +183,7 @@ TEST_F(SimulatorTest, ReadsAnEmptyFileAsOneEmptyFrame) {
     m_temp.createFile("root/Data/empty.vxs");
     Start();
     auto client = Connect();
-    const ReceivedFrame frame = Ask(*client, 12, 3, "/Data/empty.vxs");
+    const ReceivedFrame frame = Ask(*client, 12, kWireOpenRead, "/Data/empty.vxs");
     EXPECT_EQ(frame.kind, 9);
     EXPECT_EQ(frame.flags, 0);
     EXPECT_EQ(frame.length, 0u);
@@ -195,7 +195,7 @@ TEST_F(SimulatorTest, AbortedUploadLeavesTheOldFileAndNoTemporary) {
     Start();
     {
         auto client = Connect();
-        ASSERT_TRUE(client->SendRequest(8, 2, "/Data/keep.vxs", {}, 0x0010));
+        ASSERT_TRUE(client->SendRequest(8, kWireOpenWrite, "/Data/keep.vxs", {}, kWireOpenWriteFlag));
         ASSERT_TRUE(client->SendUploadData(8, true, Bytes(65536, 0x55)));
         ASSERT_TRUE(client->SendUploadData(8, true, Bytes(1000, 0x66)));
     }
@@ -219,7 +219,7 @@ TEST_F(SimulatorTest, DescribesAFileWithAPreview) {
     Start();
     auto client = Connect();
 
-    const ReceivedFrame small = Ask(*client, 15, 9, "/hostname");
+    const ReceivedFrame small = Ask(*client, 15, kWireDescribe, "/hostname");
     EXPECT_EQ(small.kind, 9);
     EXPECT_EQ(small.argument, 15u);
     ASSERT_EQ(small.payload.size(), 1104u + 4 + 13);
@@ -230,13 +230,13 @@ TEST_F(SimulatorTest, DescribesAFileWithAPreview) {
     EXPECT_EQ(ReadU32(small.payload, 1104), 13u);
     EXPECT_EQ(std::string(small.payload.begin() + 1108, small.payload.end()), "vexaron-0427\n");
 
-    const ReceivedFrame large = Ask(*client, 16, 9, "/Data/big.vxs");
+    const ReceivedFrame large = Ask(*client, 16, kWireDescribe, "/Data/big.vxs");
     ASSERT_EQ(large.payload.size(), 1104u + 4 + 4096);
     EXPECT_EQ(DecodeRecords(large.payload).at(0).size, 10000u);
     EXPECT_EQ(ReadU32(large.payload, 1104), 4096u);
     EXPECT_TRUE(std::equal(large.payload.begin() + 1108, large.payload.end(), big.begin()));
 
-    const ReceivedFrame folder = Ask(*client, 17, 9, "/Method");
+    const ReceivedFrame folder = Ask(*client, 17, kWireDescribe, "/Method");
     EXPECT_EQ(DecodeRecords(folder.payload).at(0).attributes & 1, 1u);
     EXPECT_EQ(ReadU32(folder.payload, 1104), 0u);
 }
@@ -247,10 +247,10 @@ TEST_F(SimulatorTest, ServesSeveralConnectionsAtOnce) {
     for (int i = 0; i < 4; ++i)
         clients.push_back(Connect());
     // An upload left open on the first connection must not hold up the others.
-    ASSERT_TRUE(clients[0]->SendRequest(1, 2, "/Data/slow.vxs", {}, 0x0010));
+    ASSERT_TRUE(clients[0]->SendRequest(1, kWireOpenWrite, "/Data/slow.vxs", {}, kWireOpenWriteFlag));
     ASSERT_TRUE(clients[0]->SendUploadData(1, true, Bytes(100, 1)));
     for (std::uint32_t i = 1; i < clients.size(); ++i)
-        ASSERT_TRUE(clients[i]->SendRequest(i, 3, "/hostname"));
+        ASSERT_TRUE(clients[i]->SendRequest(i, kWireOpenRead, "/hostname"));
     for (std::uint32_t i = clients.size() - 1; i >= 1; --i) {
         std::optional<ReceivedFrame> frame = clients[i]->ReadFrame();
         ASSERT_TRUE(frame);
@@ -258,6 +258,6 @@ TEST_F(SimulatorTest, ServesSeveralConnectionsAtOnce) {
         EXPECT_EQ(Content({*frame}), ToBytes("vexaron-0427\n"));
     }
     ASSERT_TRUE(clients[0]->SendUploadData(1, false, Bytes(5, 2)));
-    const ReceivedFrame back = Ask(*clients[0], 2, 3, "/Data/slow.vxs");
+    const ReceivedFrame back = Ask(*clients[0], 2, kWireOpenRead, "/Data/slow.vxs");
     EXPECT_EQ(back.extra, 105u);
 }

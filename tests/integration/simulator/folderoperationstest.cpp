@@ -17,19 +17,19 @@ TEST_F(SimulatorTest, FolderOperationsAnswerWithErrnoLikeStatuses) {
         std::uint32_t status;
     };
     const Step steps[] = {
-        {7, "/New", "", 0, 0},
-        {7, "/New", "", 0, 17},        // exists
-        {7, "/Nowhere/New", "", 0, 2}, // parent missing
-        {5, "/hostname", "/New/name", 0, 0},
-        {5, "/hostname", "/other", 0, 2},  // gone already
-        {5, "/hosts", "/timezone", 0, 17}, // never replaces
-        {4, "/Full", "", 0, 39},           // not empty without the recursive flag
-        {4, "/Full", "", 0x0004, 0},
-        {4, "/New/name", "", 0, 0},
-        {4, "/New", "", 0, 0}, // empty now
-        {4, "/New", "", 0, 2},
-        {4, "/", "", 0x0004, 13}, // never the root
-        {6, "/hosts", "", 0, 38}, // no command 6
+        {kWireMkDir, "/New", "", 0, 0},
+        {kWireMkDir, "/New", "", 0, 17},        // exists
+        {kWireMkDir, "/Nowhere/New", "", 0, 2}, // parent missing
+        {kWireRename, "/hostname", "/New/name", 0, 0},
+        {kWireRename, "/hostname", "/other", 0, 2},  // gone already
+        {kWireRename, "/hosts", "/timezone", 0, 17}, // never replaces
+        {kWireDelete, "/Full", "", 0, 39},           // not empty without the recursive flag
+        {kWireDelete, "/Full", "", kWireRecursive, 0},
+        {kWireDelete, "/New/name", "", 0, 0},
+        {kWireDelete, "/New", "", 0, 0}, // empty now
+        {kWireDelete, "/New", "", 0, 2},
+        {kWireDelete, "/", "", kWireRecursive, 13}, // never the root
+        {6, "/hosts", "", 0, 38},                   // no command 6
     };
     std::uint32_t id = 0;
     for (const Step& step : steps) {
@@ -71,7 +71,7 @@ TEST_F(SimulatorTest, MalformedFramesCloseTheConnection) {
     }
     // The simulator itself carries on.
     auto client = Connect();
-    EXPECT_EQ(Ask(*client, 1, 9, "/hosts").kind, 9);
+    EXPECT_EQ(Ask(*client, 1, kWireDescribe, "/hosts").kind, 9);
 }
 
 TEST_F(SimulatorTest, RequestOfTheWrongSizeIsRefused) {

@@ -61,7 +61,7 @@ bool RawLinkClient::SendUploadData(std::uint32_t transfer, bool more, const Byte
 }
 
 bool RawLinkClient::Upload(std::uint32_t transfer, const std::string& path, const Bytes& content) {
-    if (!SendRequest(transfer, 2, path, {}, 0x0010))
+    if (!SendRequest(transfer, kWireOpenWrite, path, {}, kWireOpenWriteFlag))
         return false;
     std::size_t at = 0;
     do {

@@ -10,6 +10,25 @@
 
 using Bytes = std::vector<std::uint8_t>;
 
+// The link's request commands and request flags, named for these tests (the simulator and the module
+// keep their own names, so a wrong number on one side cannot hide behind a shared constant).
+enum WireCommand : std::uint32_t {
+    kWireList = 1,
+    kWireOpenWrite = 2,
+    kWireOpenRead = 3,
+    kWireDelete = 4,
+    kWireRename = 5,
+    kWireMkDir = 7,
+    kWireRun = 8,
+    kWireDescribe = 9,
+};
+enum WireFlag : std::uint16_t {
+    kWireListOption = 0x0001, // a listing that shows hidden entries
+    kWireRecursive = 0x0004,
+    kWireOpenWriteFlag = 0x0010,
+    kWireListing = 0x0100,
+};
+
 struct ReceivedFrame {
     std::uint32_t marker = 0;
     std::uint16_t kind = 0;
