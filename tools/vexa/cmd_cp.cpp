@@ -2,10 +2,14 @@
 // through the folder list's copy and the copy job.
 #include "cmd_filesupport.h"
 
+#include "filecopy.h"
+#include "hostsessions.h"
+#include "interruptguard.h"
 #include "linksensor.h"
 #include "paths.h"
 #include "remotename.h"
 #include "systemaccess.h"
+#include "terminalprogress.h"
 #include "text.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"

@@ -1,6 +1,7 @@
 // vexa rm, rmdir [-r], mkdir, mv: changes to the instrument's folders, each one request over the link.
 #include "cmd_filesupport.h"
 
+#include "hostsessions.h"
 #include "remotename.h"
 #include "text.h"
 #include "vxsfileinfoimpl.h"

@@ -5,7 +5,6 @@
 #include "text.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
-#include "vxsfileinfoimpl.h"
 
 #include <algorithm>
 #include <iostream>
@@ -43,13 +42,13 @@ int RunLs(CliContext& ctx, const LsArgs& args) {
     CliSession session;
     if (int code = ConnectForLink(ctx, session, folder))
         return code;
-    VXSFileInfoImpl back(folder.host);
     std::vector<FileInfo> entries;
     // The listing option: the instrument then shows its hidden entries too.
-    if (!back.ReadSensorDir(folder.path, entries, FromUtf8(args.pattern), args.all ? 1u : 0u))
-        return PrintFolderError(ctx, "ls " + args.folder, back);
+    if (!FileInfo::ReadSensorDir(folder.host, folder.path, entries, FromUtf8(args.pattern),
+                                 args.all ? 1u : 0u))
+        return PrintFileInfoError(ctx, "ls " + args.folder);
     // A listing that the link cut short reads as complete to the back end: the link says otherwise.
-    if (!back.HasLink()) {
+    if (!session.Sensor()->IsLinkOpen()) {
         const int error = session.Sensor()->GetLastLinkError();
         PrintError(ctx, "ls " + args.folder + ": the listing was cut short",
                    error ? error : int(kWsaNotConn));

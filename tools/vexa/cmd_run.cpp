@@ -2,7 +2,6 @@
 #include "cmd_filesupport.h"
 
 #include "text.h"
-#include "vxsfileinfoimpl.h"
 
 #include <iostream>
 #include <memory>
@@ -25,10 +24,9 @@ int RunCommandOn(CliContext& ctx, const RunArgs& args) {
     std::string command;
     for (const std::string& word : args.words)
         command += (command.empty() ? "" : " ") + word;
-    VXSFileInfoImpl back(instrument.host);
     std::wstring output;
-    if (!back.RunCommand(FromUtf8(command), output, int64_t(args.timeout) * 1000000))
-        return PrintFolderError(ctx, "run " + command, back);
+    if (!FileInfo::RunCommand(instrument.host, FromUtf8(command), output, int64_t(args.timeout) * 1000000))
+        return PrintFileInfoError(ctx, "run " + command);
     if (ctx.options.json) {
         std::cout << nlohmann::ordered_json{{"command", command}, {"output", ToUtf8(output)}}.dump() << "\n";
     } else {

@@ -4,7 +4,6 @@
 
 #include "text.h"
 #include "vexafilelist.h"
-#include "vxsfileinfoimpl.h"
 
 #include <cstdio>
 #include <iostream>
@@ -47,12 +46,12 @@ int RunStat(CliContext& ctx, const StatArgs& args) {
     CliSession session;
     if (int code = ConnectForLink(ctx, session, file))
         return code;
-    VXSFileInfoImpl back(file.host);
     FileInfo entry;
     std::vector<uint8_t> preview(size_t(args.preview));
     int previewSize = args.preview;
-    if (!back.GetFileInfo(file.path, &entry, args.preview > 0 ? preview.data() : nullptr, &previewSize))
-        return PrintFolderError(ctx, "stat " + args.file, back);
+    if (!FileInfo::GetFileInfo(file.Name(), &entry, args.preview > 0 ? preview.data() : nullptr,
+                               &previewSize))
+        return PrintFileInfoError(ctx, "stat " + args.file);
     preview.resize(args.preview > 0 ? size_t(previewSize) : 0);
 
     if (args.json || ctx.options.json) {

@@ -1,6 +1,8 @@
 // vexa get REMOTE LOCAL, vexa put LOCAL REMOTE: one file between this computer and an instrument.
 #include "cmd_filesupport.h"
 
+#include "filecopy.h"
+
 #include <memory>
 
 namespace {
