@@ -238,14 +238,6 @@ void SensorManager::GoOffline(int row) {
     EmitChanged(instrument);
 }
 
-bool SensorManager::AnyConnecting() const {
-    for (const ManagedInstrument* instrument : m_instruments) {
-        if (instrument->IsConnecting())
-            return true;
-    }
-    return false;
-}
-
 int SensorManager::TimerInterval() const {
     int interval = 0;
     for (const ManagedInstrument* instrument : m_instruments) {

@@ -52,8 +52,6 @@ public:
     bool Remove(int row);
     bool GoOnline(int row);
     void GoOffline(int row);
-    // Whether any instrument is in the middle of going on line.
-    bool AnyConnecting() const;
 
     // The interval at which Tick should run: the smallest alarm interval of the sensors (1 s default).
     int TimerInterval() const;

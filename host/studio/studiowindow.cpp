@@ -80,6 +80,19 @@ StudioWindow::~StudioWindow() {
     m_timer.stop();
 }
 
+namespace {
+
+// The sensor types the instrument editor offers, by short and display name.
+QList<InstrumentEditorDialog::TypeChoice> TypeChoices(const QList<ISensorInfo*>& types) {
+    QList<InstrumentEditorDialog::TypeChoice> choices;
+    for (ISensorInfo* type : types)
+        choices.append(
+            {QString::fromStdWString(type->ShortName()), QString::fromStdWString(type->DisplayName())});
+    return choices;
+}
+
+} // namespace
+
 // ---- construction ----
 
 void StudioWindow::BuildActions() {
@@ -373,11 +386,7 @@ void StudioWindow::UpdateSummary() {
 
 void StudioWindow::RefreshStatus() {
     const ManagedInstrument* instrument = m_sensors->At(SelectedRow());
-    if (!instrument) {
-        m_status->Refresh(nullptr, {});
-        return;
-    }
-    if (!instrument->Sensor()) {
+    if (!instrument || !instrument->Sensor()) {
         m_status->Refresh(nullptr, {});
         return;
     }
@@ -397,10 +406,7 @@ void StudioWindow::AddInstrument() {
                     .arg(m_sensors->Plugins().Problem()));
         return;
     }
-    QList<InstrumentEditorDialog::TypeChoice> choices;
-    for (ISensorInfo* type : types)
-        choices.append(
-            {QString::fromStdWString(type->ShortName()), QString::fromStdWString(type->DisplayName())});
+    const QList<InstrumentEditorDialog::TypeChoice> choices = TypeChoices(types);
     InstrumentEditorDialog dialog(
         choices, [this](const InstrumentConfig& config) { return m_sensors->Validate(config, -1); }, this);
     dialog.setWindowTitle(tr("Add Instrument"));
@@ -422,13 +428,9 @@ void StudioWindow::EditInstrument() {
     const ManagedInstrument* instrument = m_sensors->At(row);
     if (!instrument || instrument->IsConnecting())
         return;
-    QList<InstrumentEditorDialog::TypeChoice> choices;
-    for (ISensorInfo* type : m_sensors->SensorTypes())
-        choices.append(
-            {QString::fromStdWString(type->ShortName()), QString::fromStdWString(type->DisplayName())});
     InstrumentEditorDialog dialog(
-        choices, [this, row](const InstrumentConfig& config) { return m_sensors->Validate(config, row); },
-        this);
+        TypeChoices(m_sensors->SensorTypes()),
+        [this, row](const InstrumentConfig& config) { return m_sensors->Validate(config, row); }, this);
     dialog.setWindowTitle(tr("Edit Instrument"));
     dialog.SetConfig(instrument->Config());
     if (dialog.exec() != QDialog::Accepted)
