@@ -30,9 +30,8 @@
 CVexaFileSelectDlg::CVexaFileSelectDlg(ISensorObject& sensor, uint32_t flags, const std::wstring& filter,
                                        const std::wstring& title, const std::wstring& initialPath,
                                        QWidget* parent)
-    : CDialog_(IDD_VEXA_FILE_SELECT, parent), m_sensor(&sensor), m_flags(flags), m_filter(filter),
-      m_title(title), m_initialPath(initialPath) {
-    m_sensor->IncRef();
+    : CDialog_(IDD_VEXA_FILE_SELECT, parent), m_sensor(SensorRef<>::Share(&sensor)), m_flags(flags),
+      m_filter(filter), m_title(title), m_initialPath(initialPath) {
     Ui::Dialog1704 form;
     SetupTemplate(form);
     m_driveBox = qobject_cast<CPXDriveBox*>(GetDlgItem(IDC_SELECT_DRIVES));
@@ -46,7 +45,6 @@ CVexaFileSelectDlg::CVexaFileSelectDlg(ISensorObject& sensor, uint32_t flags, co
 CVexaFileSelectDlg::~CVexaFileSelectDlg() {
     m_lists[kPcSide].reset();
     m_lists[kInstrumentSide].reset();
-    m_sensor->DecRef();
 }
 
 void CVexaFileSelectDlg::SetDefaultFolders(const std::wstring& pcFolder,
@@ -99,7 +97,7 @@ bool CVexaFileSelectDlg::OnInitDialog() {
 
     m_lists[kPcSide] = std::make_unique<CVexaFileList>(nullptr, std::wstring(), false);
     m_lists[kInstrumentSide] =
-        std::make_unique<CVexaFileList>(m_sensor, CVexaFileList::FolderArgument(m_host, L"/"), false);
+        std::make_unique<CVexaFileList>(m_sensor.get(), CVexaFileList::FolderArgument(m_host, L"/"), false);
     FillFilters();
     FillDriveBox();
     if (!OpenStartSide())

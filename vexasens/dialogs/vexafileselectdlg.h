@@ -9,6 +9,7 @@
 //
 // User-interface thread only.
 #include "dialog.h"
+#include "sensorref.h"
 
 #include <cstdint>
 #include <memory>
@@ -114,7 +115,7 @@ private:
     bool SaveTarget(std::wstring* fullName, std::wstring* displayName, bool* exists) const;
     const FileInfo* EntryAtRow(int row) const;
 
-    ISensorObject* m_sensor;
+    SensorRef<> m_sensor;
     uint32_t m_flags;
     std::wstring m_filter;
     std::wstring m_title;
