@@ -2,10 +2,14 @@
 // with the progress on the terminal, and fetches the archive to this computer.
 #include "cmd_filesupport.h"
 
+#include "filecopy.h"
+#include "interruptguard.h"
+
 #include "pumpwait.h"
 #include "remotename.h"
 #include "sensorevent.h"
 #include "sensorobserver.h"
+#include "text.h"
 #include "vexadevice.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
@@ -97,11 +101,11 @@ int AwaitArchive(const CliContext& ctx, VEXASensorObject& sensor, int timeoutSec
             line.Show(VexaDevice(sensor.GetDevice(L"VEXA")).getBackupProgress() % 101);
     }
     *archive = *notification.text();
-    if (archive->find(Widen(kArchiveMark)) == std::wstring::npos) {
+    if (archive->find(FromUtf8(kArchiveMark)) == std::wstring::npos) {
         PrintError(ctx,
                    "backup: the instrument " + (*archive == L"aborted"
                                                     ? std::string("aborted it")
-                                                    : "answered \"" + Narrow(*archive) + "\""),
+                                                    : "answered \"" + ToUtf8(*archive) + "\""),
                    0);
         return kExitFailed;
     }
@@ -118,7 +122,7 @@ int RunBackup(CliContext& ctx, const BackupArgs& args) {
     VEXASensorObject& sensor = *session.Sensor();
     std::wstring items;
     for (const std::string& item : args.items)
-        items += (items.empty() ? L"" : L" ") + Widen(item);
+        items += (items.empty() ? L"" : L" ") + FromUtf8(item);
     InterruptGuard interrupts;
     VexaDevice device(sensor.GetDevice(L"VEXA"));
     if (!device.runBackup(items)) {
@@ -131,10 +135,10 @@ int RunBackup(CliContext& ctx, const BackupArgs& args) {
         return code;
 
     FileOperand source, destination;
-    const std::string remote = "@" + Narrow(instrument.host) + ":" + Narrow(archive);
+    const std::string remote = "@" + ToUtf8(instrument.host) + ":" + ToUtf8(archive);
     std::wstring archiveName;
     ParseFilename(archive, nullptr, &archiveName, nullptr);
-    const std::string local = args.output.empty() ? Narrow(archiveName) : args.output;
+    const std::string local = args.output.empty() ? ToUtf8(archiveName) : args.output;
     if (!ParseFileOperand(ctx, remote, &source) || !ParseFileOperand(ctx, local, &destination))
         return kExitFailed;
     OverwritePolicy overwrite(ctx, args.overwrite);
