@@ -10,6 +10,7 @@
 #include "terminalprogress.h"
 #include "text.h"
 #include "vexafilelist.h"
+#include "vexasensorobject.h"
 
 #include <iostream>
 #include <optional>

@@ -70,7 +70,7 @@ void CVexaFileDlg::FetchBackup(const std::wstring& archive) {
     std::wstring archiveFolder, archiveName, targetFolder, targetName;
     ParseFilename(archive, &archiveFolder, &archiveName, nullptr);
     ParseFilename(chosen, &targetFolder, &targetName, nullptr);
-    CVexaFileList source(m_sensor, CVexaFileList::FolderArgument(m_remotePane.Host(), archiveFolder));
+    CVexaFileList source(m_sensor.get(), CVexaFileList::FolderArgument(m_remotePane.Host(), archiveFolder));
     CVexaFileList target(nullptr, CVexaFileList::FolderArgument(L"", targetFolder), false);
     const FileInfo* entry = source.Find(archiveName);
     bool copied = false;
