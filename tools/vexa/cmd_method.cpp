@@ -2,6 +2,8 @@
 // an instrument (@HOST:/PATH).
 #include "cmd_filesupport.h"
 
+#include "hostsessions.h"
+#include "text.h"
 #include "timespan.h"
 #include "vexafileref.h"
 #include "vexamethod.h"
@@ -20,30 +22,30 @@ struct MethodShowArgs {
 nlohmann::ordered_json MethodJson(const std::string& file, const VexaMethod& method) {
     nlohmann::ordered_json out;
     out["file"] = file;
-    out["description"] = Narrow(method.getDescription());
+    out["description"] = ToUtf8(method.getDescription());
     out["model"] = method.getModel();
-    out["modelName"] = Narrow(Vexa::GetModelName(method.getModel()));
+    out["modelName"] = ToUtf8(Vexa::GetModelName(method.getModel()));
     out["accessory"] = method.getAccessory();
-    out["accessoryName"] = Narrow(Vexa::GetAccessoryName(method.getAccessory(), method.getModel()));
-    out["methodMode"] = Narrow(Vexa::GetMethodModeName(method.getMethodMode()));
-    out["scanMode"] = Narrow(Vexa::GetScanModeName(method.getScanMode()));
-    out["concentrator"] = Narrow(Vexa::GetConcentratorName(method.getConcentrator()));
+    out["accessoryName"] = ToUtf8(Vexa::GetAccessoryName(method.getAccessory(), method.getModel()));
+    out["methodMode"] = ToUtf8(Vexa::GetMethodModeName(method.getMethodMode()));
+    out["scanMode"] = ToUtf8(Vexa::GetScanModeName(method.getScanMode()));
+    out["concentrator"] = ToUtf8(Vexa::GetConcentratorName(method.getConcentrator()));
     out["runTimeSeconds"] = method.GetRunTimeSeconds();
-    out["runTime"] = Narrow(FormatTimeSpan(method.GetRunTimeSeconds()));
+    out["runTime"] = ToUtf8(FormatTimeSpan(method.GetRunTimeSeconds()));
     return out;
 }
 
 void PrintMethod(const std::string& file, const VexaMethod& method) {
     std::cout << file << "\n"
-              << "  description:         " << Narrow(method.getDescription()) << "\n"
-              << "  model:               " << Narrow(Vexa::GetModelName(method.getModel())) << "\n"
+              << "  description:         " << ToUtf8(method.getDescription()) << "\n"
+              << "  model:               " << ToUtf8(Vexa::GetModelName(method.getModel())) << "\n"
               << "  sample input device: "
-              << Narrow(Vexa::GetAccessoryName(method.getAccessory(), method.getModel())) << "\n"
-              << "  mode:                " << Narrow(Vexa::GetMethodModeName(method.getMethodMode())) << "\n"
-              << "  collection mode:     " << Narrow(Vexa::GetScanModeName(method.getScanMode())) << "\n"
-              << "  concentrator:        " << Narrow(Vexa::GetConcentratorName(method.getConcentrator()))
+              << ToUtf8(Vexa::GetAccessoryName(method.getAccessory(), method.getModel())) << "\n"
+              << "  mode:                " << ToUtf8(Vexa::GetMethodModeName(method.getMethodMode())) << "\n"
+              << "  collection mode:     " << ToUtf8(Vexa::GetScanModeName(method.getScanMode())) << "\n"
+              << "  concentrator:        " << ToUtf8(Vexa::GetConcentratorName(method.getConcentrator()))
               << "\n"
-              << "  run time (M:S):      " << Narrow(FormatTimeSpan(method.GetRunTimeSeconds())) << "\n";
+              << "  run time (M:S):      " << ToUtf8(FormatTimeSpan(method.GetRunTimeSeconds())) << "\n";
 }
 
 // Reads one method; prints why not and returns the exit code when it cannot.
