@@ -21,7 +21,8 @@ case ${1:-} in
     exec tests/fuzz/run.sh "${2:-10}"
     ;;
 *)
-    vexa_build build
+    # shellcheck disable=SC2046
+    vexa_build build $(vexa_cache_launcher)
     ctest --test-dir build --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
     ;;
 esac
