@@ -152,3 +152,11 @@ bool FileInfo::GetFileInfo(const std::wstring& path, FileInfo* entry, void* prev
     return Run(HostOf(path),
                [&](FileInfoImpl& impl) { return impl.GetFileInfo(path, entry, preview, previewSize); });
 }
+
+int CompareModified(const FileInfo& first, const FileInfo& second) {
+    const int64_t a = first.GetTime() / 1000000;
+    const int64_t b = second.GetTime() / 1000000;
+    if (first.GetTime() == 0 || second.GetTime() == 0 || a == b)
+        return 0;
+    return a > b ? -1 : 1;
+}

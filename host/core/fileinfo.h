@@ -10,9 +10,9 @@ enum : uint32_t { kFileAttrFolder = 0x0001 };
 class FileInfo {
 public:
     std::wstring name;
-    int32_t size = 0;          // negative: a folder or another non-file
+    int32_t size = 0;             // negative: a folder or another non-file
     int64_t times[3] = {0, 0, 0}; // microseconds since 1970 UTC: creation, access, modification
-    uint32_t attrib = 0;       // bit 0: folder
+    uint32_t attrib = 0;          // bit 0: folder
 
     bool IsFolder() const { return (attrib & kFileAttrFolder) != 0; }
     // The time shown and sorted by: the modification time.
@@ -20,8 +20,8 @@ public:
 
     // Lists a folder. `host` empty: `folder` is a workstation path; else an instrument path on that host.
     // `pattern` is a WildMatch pattern (empty: all); `flags` is the listing option (show hidden).
-    static bool ReadSensorDir(const std::wstring& host, const std::wstring& folder, std::vector<FileInfo>& entries,
-                              const std::wstring& pattern, uint32_t flags);
+    static bool ReadSensorDir(const std::wstring& host, const std::wstring& folder,
+                              std::vector<FileInfo>& entries, const std::wstring& pattern, uint32_t flags);
     static bool MkDir(const std::wstring& path);
     static bool Rename(const std::wstring& oldPath, const std::wstring& newPath);
     static bool RmDir(const std::wstring& path, bool recursive);
@@ -37,6 +37,11 @@ public:
     static std::wstring LastErrorText();
     static void SetLastError(int error, const std::wstring& text = {});
 };
+
+// Which of two entries was modified later: negative the first, positive the second, 0 when both fall in
+// the same second or either time is unknown (0). Whole seconds, because the instrument and FTP list
+// seconds while the workstation keeps microseconds: a fresh copy must not look newer than its original.
+int CompareModified(const FileInfo& first, const FileInfo& second);
 
 // Back end of the folder operations on one host.
 class FileInfoImpl {

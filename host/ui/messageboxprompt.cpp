@@ -45,8 +45,7 @@ void CMessageBoxPrompt::Message(const std::wstring& text, const std::wstring& ca
     box.exec();
 }
 
-int CMessageBoxPrompt::AskOverwrite(const std::wstring& name, const std::wstring& description,
-                                    QWidget* parent) {
-    COverwriteDlg dialog(name, description, parent);
+int CMessageBoxPrompt::AskOverwrite(const OverwriteSubject& subject, QWidget* parent) {
+    COverwriteDlg dialog(subject, parent);
     return dialog.Ask();
 }

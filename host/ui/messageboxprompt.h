@@ -7,6 +7,5 @@ public:
     int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent = nullptr) override;
     void Message(const std::wstring& text, const std::wstring& caption,
                  PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) override;
-    int AskOverwrite(const std::wstring& name, const std::wstring& description,
-                     QWidget* parent = nullptr) override;
+    int AskOverwrite(const OverwriteSubject& subject, QWidget* parent = nullptr) override;
 };

@@ -1,6 +1,5 @@
 #include "overwritedlg.h"
 
-#include "fileinfo.h"
 #include "filetext.h"
 #include "prompt.h"
 #include "ui_overwritedlg.h"
@@ -10,33 +9,43 @@
 
 namespace {
 
-QString DescribeOne(const FileInfo& entry) {
-    const QString time = FormatFileTime(entry.GetTime());
-    const QString size = QStringLiteral("%1 bytes").arg(FormatFileSize(entry.size));
-    return time.isEmpty() ? size : QStringLiteral("%1, modified %2").arg(size, time);
+// Two lines for one side of the comparison; the newer side says so and is drawn bold.
+QString DescribeSide(const FileInfo& entry, bool newer) {
+    const QString size = entry.IsFolder() ? QStringLiteral("Folder")
+                                          : QStringLiteral("%1 bytes").arg(FormatFileSize(entry.size));
+    QString time = FormatFileTime(entry.GetTime());
+    if (time.isEmpty())
+        time = QStringLiteral("time unknown");
+    else
+        time = QStringLiteral("modified %1").arg(time);
+    if (newer)
+        time += QStringLiteral(" (newer)");
+    return size + QLatin1Char('\n') + time;
+}
+
+void SetBold(QWidget* widget, bool bold) {
+    QFont font = widget->font();
+    font.setBold(bold);
+    widget->setFont(font);
 }
 
 } // namespace
 
-COverwriteDlg::COverwriteDlg(const std::wstring& name, const std::wstring& description, QWidget* parent)
-    : CDialog_(IDD_PX_OVERWRITE, parent), m_name(name), m_description(description) {
+COverwriteDlg::COverwriteDlg(const OverwriteSubject& subject, QWidget* parent)
+    : CDialog_(IDD_PX_OVERWRITE, parent), m_subject(subject) {
     Ui::OverwriteDlg form;
     SetupTemplate(form);
 }
 
 int COverwriteDlg::PromptUser(const std::wstring& name, const std::wstring& description, QWidget* parent) {
-    return Prompt().AskOverwrite(name, description, parent);
+    OverwriteSubject subject;
+    subject.name = name;
+    subject.description = description;
+    return PromptUser(subject, parent);
 }
 
-int COverwriteDlg::PromptUser(const std::wstring& name, const FileInfo& existing, const FileInfo& replacement,
-                              QWidget* parent) {
-    return PromptUser(name, DescribeFiles(existing, replacement), parent);
-}
-
-std::wstring COverwriteDlg::DescribeFiles(const FileInfo& existing, const FileInfo& replacement) {
-    return QStringLiteral("Existing file: %1\nReplace with: %2")
-        .arg(DescribeOne(existing), DescribeOne(replacement))
-        .toStdWString();
+int COverwriteDlg::PromptUser(const OverwriteSubject& subject, QWidget* parent) {
+    return Prompt().AskOverwrite(subject, parent);
 }
 
 int COverwriteDlg::Ask() {
@@ -60,13 +69,33 @@ bool COverwriteDlg::OnInitDialog() {
         const int extent = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
         icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxQuestion, nullptr, this).pixmap(extent));
     }
-    SetDlgItemText(IDC_PX_OVERWRITE_QUESTION,
-                   QStringLiteral("The file \"%1\" already exists.\nDo you want to replace it?")
-                       .arg(QString::fromStdWString(m_name))
-                       .toStdWString());
-    SetDlgItemText(IDC_PX_OVERWRITE_DESCRIPTION, m_description);
-    ShowControl(IDC_PX_OVERWRITE_DESCRIPTION, !m_description.empty());
+    const QString name = QString::fromStdWString(m_subject.name);
+    const QString question =
+        m_subject.folder
+            ? QStringLiteral("The folder \"%1\" already exists.\nDo you want to copy into it?").arg(name)
+            : QStringLiteral("The file \"%1\" already exists.\nDo you want to replace it?").arg(name);
+    SetDlgItemText(IDC_PX_OVERWRITE_QUESTION, question.toStdWString());
+    if (m_subject.folder) {
+        setWindowTitle(QStringLiteral("Confirm Folder Copy"));
+        SetDlgItemText(IDC_PX_OVERWRITE_REPLACEMENT_HEADING, L"Copied into it");
+    }
+    ShowComparison();
+    SetDlgItemText(IDC_PX_OVERWRITE_DESCRIPTION, m_subject.description);
+    ShowControl(IDC_PX_OVERWRITE_DESCRIPTION, !m_subject.description.empty());
     return true;
+}
+
+void COverwriteDlg::ShowComparison() {
+    const bool known = m_subject.existing && m_subject.replacement;
+    ShowControl(IDC_PX_OVERWRITE_COMPARISON, known);
+    if (!known)
+        return;
+    const int newer = CompareModified(*m_subject.existing, *m_subject.replacement);
+    SetDlgItemText(IDC_PX_OVERWRITE_EXISTING, DescribeSide(*m_subject.existing, newer < 0).toStdWString());
+    SetDlgItemText(IDC_PX_OVERWRITE_REPLACEMENT,
+                   DescribeSide(*m_subject.replacement, newer > 0).toStdWString());
+    SetBold(GetDlgItem(IDC_PX_OVERWRITE_EXISTING), newer < 0);
+    SetBold(GetDlgItem(IDC_PX_OVERWRITE_REPLACEMENT), newer > 0);
 }
 
 void COverwriteDlg::OnCommand(int id) {

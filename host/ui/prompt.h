@@ -2,6 +2,8 @@
 // Questions and messages to the user. Everything that asks the user goes through the installed
 // prompt, so that tests answer from a script (ScriptedPrompt) and never block on a real box.
 // UI thread only.
+#include "overwritesubject.h"
+
 #include <optional>
 #include <string>
 
@@ -20,8 +22,7 @@ public:
     virtual void Message(const std::wstring& text, const std::wstring& caption,
                          PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) = 0;
     // "File exists: overwrite?" with COverwriteDlg's answers (see overwritedlg.h).
-    virtual int AskOverwrite(const std::wstring& name, const std::wstring& description,
-                             QWidget* parent = nullptr) = 0;
+    virtual int AskOverwrite(const OverwriteSubject& subject, QWidget* parent = nullptr) = 0;
     // Called by CDialog_::DoModal for every dialog that asks the user something. An answer replaces the
     // modal run (the dialog's result); none lets the dialog run for real.
     virtual std::optional<int> RunModal(CDialog_& dialog);

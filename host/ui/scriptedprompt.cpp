@@ -54,10 +54,11 @@ void ScriptedPrompt::Message(const std::wstring& text, const std::wstring& capti
     m_asked.push_back({Kind::Message, text, caption, icon, 0, IDOK});
 }
 
-int ScriptedPrompt::AskOverwrite(const std::wstring& name, const std::wstring& description, QWidget*) {
+int ScriptedPrompt::AskOverwrite(const OverwriteSubject& subject, QWidget*) {
     int answer = COverwriteDlg::kCancel;
     PopFront(m_overwrite, &answer);
-    m_asked.push_back({Kind::Overwrite, name, description, PromptIcon::Question, 0, answer});
+    m_asked.push_back(
+        {Kind::Overwrite, subject.name, subject.description, PromptIcon::Question, 0, answer, subject});
     return answer;
 }
 

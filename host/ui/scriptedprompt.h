@@ -22,6 +22,7 @@ public:
         PromptIcon icon = PromptIcon::None;
         int templateId = 0; // Dialog: the dialog's template
         int answer = 0;
+        OverwriteSubject overwrite; // Overwrite: everything the question showed
     };
     // Acts on an initialised, shown dialog (fill controls, read texts) and returns the identifier of
     // the button to press (IDOK, IDCANCEL, IDYES...).
@@ -45,8 +46,7 @@ public:
     int AskYesNo(const std::wstring& text, const std::wstring& caption, QWidget* parent = nullptr) override;
     void Message(const std::wstring& text, const std::wstring& caption,
                  PromptIcon icon = PromptIcon::Information, QWidget* parent = nullptr) override;
-    int AskOverwrite(const std::wstring& name, const std::wstring& description,
-                     QWidget* parent = nullptr) override;
+    int AskOverwrite(const OverwriteSubject& subject, QWidget* parent = nullptr) override;
     std::optional<int> RunModal(CDialog_& dialog) override;
 
 private:

@@ -12,6 +12,12 @@ struct ProcessResult {
 
 ProcessResult RunProcess(const std::string& program, const std::vector<std::string>& args,
                          int timeoutMs = 60000, const std::vector<std::string>& extraEnv = {});
+// Runs a program on a terminal of its own (a pseudo-terminal), as a person at a shell would, with
+// `typed` waiting as its input. `out` gets everything the terminal showed: output, errors and the echo.
+ProcessResult RunOnTerminal(const std::string& program, const std::vector<std::string>& args,
+                            const std::string& typed, int timeoutMs = 60000);
 // The built vexa command-line tool ($VEXA_CLI).
 ProcessResult RunVexa(const std::vector<std::string>& args, int timeoutMs = 60000,
                       const std::vector<std::string>& extraEnv = {});
+ProcessResult RunVexaOnTerminal(const std::vector<std::string>& args, const std::string& typed,
+                                int timeoutMs = 60000);

@@ -24,6 +24,7 @@ struct CopyPlan {
     VEXASensorObject* sourceSensor = nullptr;
     VEXASensorObject* destinationSensor = nullptr;
     bool destinationLinked = true;
+    bool entryKnown = false;              // the source's size and time were read (not over FTP)
     std::wstring folder, name, finalName; // where the file goes
 };
 
@@ -39,12 +40,15 @@ int DescribeSource(const CliContext& ctx, HostSessions& sessions, const FileOper
                 return ExitCodeFor(FileInfo::LastError());
             }
             plan.entry.name = LastPathPart(source.path);
+            plan.entryKnown = true;
         } else if (ctx.options.verbose) {
             PrintError(ctx, ToUtf8(source.host) + ": link not available, reading over FTP", error);
         }
     } else if (!FileInfo::GetFileInfo(source.path, &plan.entry, nullptr, nullptr)) {
         PrintFileError(ctx, plan.what, FileInfo::LastError(), FileInfo::LastErrorText());
         return kExitFailed;
+    } else {
+        plan.entryKnown = true;
     }
     if (IsFolderEntry(plan.entry)) {
         PrintError(ctx, plan.what + ": a folder (use cp -r)", 0);
@@ -94,6 +98,8 @@ int PlaceDestination(const CliContext& ctx, HostSessions& sessions, const FileOp
 // An existing file is replaced only when the user says so. Empty to go on, else how the copy ends.
 std::optional<CopyOutcome> SettleExisting(const CliContext& ctx, const FileOperand& destination,
                                           OverwritePolicy& overwrite, const CopyPlan& plan) {
+    OverwriteCase question{plan.entry, std::nullopt, plan.finalName};
+    question.replacement.name = plan.name;
     bool exists = false;
     if (!destination.IsRemote() || plan.destinationLinked) {
         FileInfo existing;
@@ -102,13 +108,16 @@ std::optional<CopyOutcome> SettleExisting(const CliContext& ctx, const FileOpera
             PrintError(ctx, plan.what + ": " + ToUtf8(plan.finalName) + " is a folder", 0);
             return CopyOutcome{kExitFailed};
         }
+        if (exists && plan.entryKnown)
+            question.existing = existing; // both sides known: shown side by side
     } else {
+        // Over FTP only whether it opens is known.
         StdioFile probe;
         exists = probe.Open(plan.finalName, L"rb");
     }
     if (!exists)
         return std::nullopt;
-    switch (overwrite.Ask(plan.name, plan.finalName)) {
+    switch (overwrite.Ask(question)) {
     case OverwriteAnswer::kYes:
     case OverwriteAnswer::kYesToAll:
         return std::nullopt;

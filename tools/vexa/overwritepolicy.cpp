@@ -1,10 +1,24 @@
 #include "overwritepolicy.h"
 
+#include "cmd_filesupport.h"
 #include "text.h"
 
 #include <iostream>
+#include <sstream>
 
 #include <unistd.h>
+
+namespace {
+
+std::string DescribeSide(const FileInfo& entry, bool newer) {
+    std::string text = entry.IsFolder() ? "folder" : std::to_string(entry.size) + " bytes";
+    text += entry.GetTime() == 0 ? ", time unknown" : ", modified " + EntryTimeText(entry.GetTime());
+    if (newer)
+        text += " (newer)";
+    return text;
+}
+
+} // namespace
 
 OverwritePolicy::OverwritePolicy(const CliContext& ctx, const std::string& option)
     : m_ctx(ctx), m_terminal(isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0) {
@@ -14,17 +28,29 @@ OverwritePolicy::OverwritePolicy(const CliContext& ctx, const std::string& optio
         m_fixed = OverwriteAnswer::kNo;
 }
 
-OverwriteAnswer OverwritePolicy::Ask(const std::wstring& name, const std::wstring& target) {
+std::string OverwritePolicy::QuestionText(const OverwriteCase& overwrite) {
+    const bool folder = overwrite.replacement.IsFolder();
+    std::ostringstream text;
+    text << "vexa: " << (folder ? "folder " : "") << ToUtf8(overwrite.target) << " exists.\n";
+    if (overwrite.existing) {
+        const int newer = CompareModified(*overwrite.existing, overwrite.replacement);
+        text << "  existing:     " << DescribeSide(*overwrite.existing, newer < 0) << "\n"
+             << "  replace with: " << DescribeSide(overwrite.replacement, newer > 0) << "\n";
+    }
+    text << (folder ? "Copy into it?" : "Overwrite?") << " [y]es, [n]o, [a]ll, [N]one, [c]ancel: ";
+    return text.str();
+}
+
+OverwriteAnswer OverwritePolicy::Ask(const OverwriteCase& overwrite) {
     if (m_fixed)
         return *m_fixed;
     if (!m_terminal) {
-        PrintError(m_ctx, ToUtf8(target) + " exists; pass --overwrite yes or --overwrite no", 0);
+        PrintError(m_ctx, ToUtf8(overwrite.target) + " exists; pass --overwrite yes or --overwrite no", 0);
         m_refused = true;
         return OverwriteAnswer::kCancel;
     }
     for (int attempt = 0; attempt < 10; ++attempt) {
-        std::cerr << "vexa: " << ToUtf8(name) << " exists in the destination. Overwrite? "
-                  << "[y]es, [n]o, [a]ll, [N]one, [c]ancel: " << std::flush;
+        std::cerr << QuestionText(overwrite) << std::flush;
         std::string reply;
         if (!std::getline(std::cin, reply))
             return OverwriteAnswer::kCancel;
@@ -43,5 +69,5 @@ OverwriteAnswer OverwritePolicy::Ask(const std::wstring& name, const std::wstrin
 }
 
 OverwriteQuestion OverwritePolicy::AsQuestion() {
-    return [this](const std::wstring& name, const std::wstring& target) { return Ask(name, target); };
+    return [this](const OverwriteCase& overwrite) { return Ask(overwrite); };
 }

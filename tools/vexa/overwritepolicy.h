@@ -10,11 +10,15 @@ class OverwritePolicy {
 public:
     // `option` is the --overwrite value ("", "yes" or "no").
     OverwritePolicy(const CliContext& ctx, const std::string& option);
-    // The answer for one existing file; kCancel when no terminal can ask and no --overwrite was given
-    // (a message says so).
-    OverwriteAnswer Ask(const std::wstring& name, const std::wstring& target);
+    // The answer for one existing file or folder; kCancel when no terminal can ask and no --overwrite
+    // was given (a message says so).
+    OverwriteAnswer Ask(const OverwriteCase& overwrite);
     OverwriteQuestion AsQuestion();
     bool Refused() const { return m_refused; }
+
+    // The question as the terminal shows it: what exists, both entries side by side when known (the
+    // newer marked), and the answers.
+    static std::string QuestionText(const OverwriteCase& overwrite);
 
 private:
     const CliContext& m_ctx;

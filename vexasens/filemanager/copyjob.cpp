@@ -103,12 +103,12 @@ bool CopyJob::Fill(Node& node, const std::vector<FileInfo>& entries, int depth) 
         // Left out without a word: the user may not see that such files exist.
         if (node.source->IsRemote() && !m_mayCopyDataFiles && IsInstrumentDataFileName(entry.name))
             continue;
-        if (node.destination->Find(entry.name)) {
+        if (const FileInfo* existing = node.destination->Find(entry.name)) {
             OverwriteAnswer answer = OverwriteAnswer::kYes;
             if (m_haveToAll)
                 answer = m_toAll;
             else if (m_ask && *m_ask)
-                answer = (*m_ask)(entry.name, node.destination->FullName(entry.name));
+                answer = (*m_ask)({entry, *existing, node.destination->FullName(entry.name)});
             switch (answer) {
             case OverwriteAnswer::kCancel:
                 return false;

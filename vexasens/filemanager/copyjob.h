@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,10 +31,16 @@ bool IsWorkstationDataFileName(const std::wstring& name);
 
 enum class OverwriteAnswer { kYes, kNo, kCancel, kYesToAll, kNoToAll };
 
-// Asked for each entry whose name the destination already holds: the entry's name and the full name
-// it would replace. Called on the building thread.
-using OverwriteQuestion =
-    std::function<OverwriteAnswer(const std::wstring& name, const std::wstring& target)>;
+// An entry whose name the destination already holds: what is copied, what is there and its full name.
+// A folder that exists is copied into, with the same question for each of its entries that exists.
+struct OverwriteCase {
+    FileInfo replacement;             // as the source listed it; its name is the name asked about
+    std::optional<FileInfo> existing; // as the destination listed it, when it was listed
+    std::wstring target;              // the full name in the destination
+};
+
+// Asked for each such entry, on the building thread.
+using OverwriteQuestion = std::function<OverwriteAnswer(const OverwriteCase& overwrite)>;
 
 class CopyJob {
 public:

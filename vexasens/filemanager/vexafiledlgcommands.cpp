@@ -78,9 +78,15 @@ void CVexaFileDlg::Copy(int fromPane) {
     }
 
     CopyJob job(*source, *destination);
-    const OverwriteQuestion ask = [this](const std::wstring& name, const std::wstring& target) {
-        const std::wstring description = FormatString(IDS_OVERWRITE_TARGET, target.c_str());
-        return ToOverwriteAnswer(COverwriteDlg::PromptUser(name, description, this));
+    const OverwriteQuestion ask = [this](const OverwriteCase& overwrite) {
+        OverwriteSubject subject;
+        subject.name = overwrite.replacement.name;
+        subject.folder = overwrite.replacement.IsFolder();
+        subject.description = FormatString(subject.folder ? IDS_OVERWRITE_INTO_FOLDER : IDS_OVERWRITE_TARGET,
+                                           overwrite.target.c_str());
+        subject.existing = overwrite.existing;
+        subject.replacement = overwrite.replacement;
+        return ToOverwriteAnswer(COverwriteDlg::PromptUser(subject, this));
     };
     if (job.Build(selection, mayCopyDataFiles, ask) != CopyJob::BuildResult::kReady)
         return; // nothing to copy, or cancelled before anything was written

@@ -74,6 +74,7 @@
 #define IDS_REPLAY_FAILED 10394
 #define IDS_OVERWRITE_TARGET 10395
 #define IDS_INVALID_NAME 10396
+#define IDS_OVERWRITE_INTO_FOLDER 10397
 
 // ---- string table: the tune reports dialog's own texts ----
 #define IDS_TUNE_REPORT_UNREADABLE 10430

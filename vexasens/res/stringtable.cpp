@@ -77,6 +77,7 @@ const PXStringEntry kStrings[] = {
     {IDS_TEXT_FILE_WRITE_FAILED, L"Could not write %1!s!: error %2!s!. The file is left as it was."},
     {IDS_REPLAY_FAILED, L"The instrument did not start the replay of %1!s!: error %2!s!."},
     {IDS_OVERWRITE_TARGET, L"It would replace %1!s!."},
+    {IDS_OVERWRITE_INTO_FOLDER, L"Its contents would be copied into %1!s!."},
     {IDS_TUNE_REPORT_UNREADABLE, L"The tune reports of %1!s! cannot be read: %2!s!"},
     {IDS_TUNE_REPORT_SAVE_FAILED,
      L"The tune reports could not be saved; the report file is unchanged. %1!s!"},

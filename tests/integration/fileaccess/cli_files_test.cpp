@@ -9,8 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <ctime>
 #include <set>
 #include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -118,6 +122,25 @@ TEST_F(CliFiles, ExistingFilesNeedAnAnswerWithoutATerminal) {
     EXPECT_EQ(ReadWholeFile(m_pc.file("a.mth")), "method a");
 
     EXPECT_EQ(RunVexa({"get", "--overwrite", "maybe", Remote("/Data/a.mth"), m_pc.path()}).exitCode, 2);
+}
+
+// At a terminal the question shows both files, the newer marked, and takes the typed answer.
+TEST_F(CliFiles, AtATerminalTheQuestionComparesBothFiles) {
+    const std::string mine = m_pc.createFile("a.mth", "mine");
+    const timespec future[2] = {{0, UTIME_OMIT}, {::time(nullptr) + 3600, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, mine.c_str(), future, 0), 0);
+    ProcessResult r = RunVexaOnTerminal({"get", Remote("/Data/a.mth"), mine}, "n\n");
+    EXPECT_EQ(r.exitCode, 0) << r.out;
+    EXPECT_NE(r.out.find("a.mth exists."), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("existing:     4 bytes, modified "), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("replace with: 8 bytes, modified "), std::string::npos) << r.out;
+    const size_t newer = r.out.find("(newer)");
+    EXPECT_TRUE(newer != std::string::npos && newer < r.out.find("replace with:")) << r.out;
+    EXPECT_EQ(ReadWholeFile(mine), "mine");
+
+    r = RunVexaOnTerminal({"get", Remote("/Data/a.mth"), mine}, "y\n");
+    EXPECT_EQ(r.exitCode, 0) << r.out;
+    EXPECT_EQ(ReadWholeFile(mine), "method a");
 }
 
 TEST_F(CliFiles, DataFilesNeedAccessLevelZero) {

@@ -9,6 +9,7 @@
 #include "overwritedlg.h"
 #include "renamedlg.h"
 #include "resource.h"
+#include "text.h"
 #include "vexadevice.h"
 #include "vexadialoglauncher.h"
 #include "vexafiledlg.h"
@@ -271,6 +272,34 @@ TEST_F(FileManagerTest, CopiesBothWaysThroughTheWorker) {
     ASSERT_EQ(m_prompt.Asked(ScriptedPrompt::Kind::Overwrite).size(), 1u);
     EXPECT_EQ(ReadWholeFile(PcPath("run1.vxs")), "older");
     EXPECT_FALSE(FileExists(PcPath("run2.vxs")));
+    // The question showed both files for the user to compare.
+    const OverwriteSubject asked = m_prompt.Asked(ScriptedPrompt::Kind::Overwrite)[0].overwrite;
+    EXPECT_EQ(asked.name, L"run1.vxs");
+    EXPECT_FALSE(asked.folder);
+    ASSERT_TRUE(asked.existing && asked.replacement);
+    EXPECT_EQ(asked.existing->size, 5);
+    EXPECT_EQ(size_t(asked.replacement->size), ReadWholeFile(InstrumentPath("Data/run1.vxs")).size());
+    EXPECT_NE(asked.description.find(FromUtf8(PcPath("run1.vxs"))), std::wstring::npos);
+
+    // A folder that exists is asked about as a folder to copy into.
+    m_temp.createDir("instrument/Data/batch");
+    m_temp.createFile("instrument/Data/batch/a.txt", "new");
+    m_temp.createFile("pc/batch/a.txt", "old");
+    dialog.RefreshLocalPane();
+    dialog.RefreshRemotePane();
+    m_prompt.ClearAsked();
+    m_prompt.QueueOverwrite(COverwriteDlg::kYes);
+    m_prompt.QueueOverwrite(COverwriteDlg::kNo);
+    Select(dialog.View(CVexaFileDlg::kRemotePane), {L"batch"});
+    dialog.CopyToLocal();
+    const auto folderAsked = m_prompt.Asked(ScriptedPrompt::Kind::Overwrite);
+    ASSERT_EQ(folderAsked.size(), 2u);
+    EXPECT_TRUE(folderAsked[0].overwrite.folder);
+    EXPECT_EQ(folderAsked[0].text, L"batch");
+    EXPECT_NE(folderAsked[0].caption.find(L"copied into"), std::wstring::npos);
+    EXPECT_FALSE(folderAsked[1].overwrite.folder);
+    EXPECT_EQ(folderAsked[1].text, L"a.txt");
+    EXPECT_EQ(ReadWholeFile(PcPath("batch/a.txt")), "old");
 }
 
 TEST_F(FileManagerTest, CancelMidwayFromTheInstrumentKeepsTheOldFile) {

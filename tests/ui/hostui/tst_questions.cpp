@@ -41,7 +41,8 @@ class QuestionsTest : public QObject {
 private slots:
     void overwriteAnswersFollowTheButtons_data();
     void overwriteAnswersFollowTheButtons();
-    void overwriteShowsNameAndBothFiles();
+    void overwriteShowsWhatTheUserDecidesOn_data();
+    void overwriteShowsWhatTheUserDecidesOn();
     void overwriteThroughAScriptedPrompt();
     void mkdirRefusesBadNames_data();
     void mkdirRefusesBadNames();
@@ -67,21 +68,61 @@ void QuestionsTest::overwriteAnswersFollowTheButtons() {
     QCOMPARE(COverwriteDlg::PromptUser(L"run1.vxs", L"two files"), answer);
 }
 
-void QuestionsTest::overwriteShowsNameAndBothFiles() {
-    const FileInfo existing = MakeFile(L"run1.vxs", 1234, 1'700'000'000'000'000);
-    const FileInfo replacement = MakeFile(L"run1.vxs", 98765, 1'710'000'000'000'000);
-    const std::wstring description = COverwriteDlg::DescribeFiles(existing, replacement);
-    const QString text = QString::fromStdWString(description);
-    QVERIFY2(text.contains(QStringLiteral("1,234 bytes")), qPrintable(text));
-    QVERIFY2(text.contains(QStringLiteral("98,765 bytes")), qPrintable(text));
-    QVERIFY2(text.contains(QStringLiteral("modified 2023-11-1")), qPrintable(text)); // 14 or 15, by time zone
+void QuestionsTest::overwriteShowsWhatTheUserDecidesOn_data() {
+    QTest::addColumn<bool>("folder");
+    QTest::addColumn<bool>("known");
+    QTest::addColumn<int>("newer"); // -1 existing, 1 replacement, 0 neither
+    QTest::newRow("file, replacement newer") << false << true << 1;
+    QTest::newRow("file, existing newer") << false << true << -1;
+    QTest::newRow("file, same time") << false << true << 0;
+    QTest::newRow("file, name only") << false << false << 0;
+    QTest::newRow("folder") << true << true << 1;
+}
 
-    COverwriteDlg dialog(L"run1.vxs", description);
+void QuestionsTest::overwriteShowsWhatTheUserDecidesOn() {
+    QFETCH(bool, folder);
+    QFETCH(bool, known);
+    QFETCH(int, newer);
+    const int64_t older = 1'700'000'000'000'000, later = 1'710'000'000'000'000;
+    OverwriteSubject subject;
+    subject.name = L"run1.vxs";
+    subject.description = L"It would replace /Data/run1.vxs.";
+    subject.folder = folder;
+    if (known) {
+        subject.existing = MakeFile(L"run1.vxs", 1234, newer < 0 ? later : older);
+        subject.replacement = MakeFile(L"run1.vxs", 98765, newer > 0 ? later : older);
+        if (folder)
+            subject.existing->attrib = subject.replacement->attrib = kFileAttrFolder;
+    }
+
+    COverwriteDlg dialog(subject);
     QTimer::singleShot(0, &dialog, [&] {
         const auto guard = EndWhenLeft(dialog);
-        QVERIFY(dialog.GetDlgItemText(IDC_PX_OVERWRITE_QUESTION).find(L"\"run1.vxs\"") != std::wstring::npos);
-        QCOMPARE(dialog.GetDlgItemText(IDC_PX_OVERWRITE_DESCRIPTION), description);
-        QVERIFY(dialog.GetDlgItem(IDC_PX_OVERWRITE_DESCRIPTION)->isVisible());
+        const QString question = QString::fromStdWString(dialog.GetDlgItemText(IDC_PX_OVERWRITE_QUESTION));
+        QVERIFY2(question.contains(folder ? QStringLiteral("folder \"run1.vxs\"")
+                                          : QStringLiteral("file \"run1.vxs\"")),
+                 qPrintable(question));
+        QCOMPARE(dialog.GetDlgItemText(IDC_PX_OVERWRITE_DESCRIPTION), subject.description);
+        QCOMPARE(dialog.GetDlgItem(IDC_PX_OVERWRITE_COMPARISON)->isVisible(), known);
+        if (!known) {
+            dialog.PressButton(IDNO);
+            return;
+        }
+        const QString existing = QString::fromStdWString(dialog.GetDlgItemText(IDC_PX_OVERWRITE_EXISTING));
+        const QString replacement =
+            QString::fromStdWString(dialog.GetDlgItemText(IDC_PX_OVERWRITE_REPLACEMENT));
+        QVERIFY2(existing.contains(folder ? QStringLiteral("Folder") : QStringLiteral("1,234 bytes")),
+                 qPrintable(existing));
+        QVERIFY2(replacement.contains(folder ? QStringLiteral("Folder") : QStringLiteral("98,765 bytes")),
+                 qPrintable(replacement));
+        // 14 or 15 November 2023, or 9 or 10 March 2024, by time zone.
+        QVERIFY2(existing.contains(newer < 0 ? QStringLiteral("modified 2024-03-")
+                                             : QStringLiteral("modified 2023-11-1")),
+                 qPrintable(existing));
+        QCOMPARE(existing.contains(QStringLiteral("(newer)")), newer < 0);
+        QCOMPARE(replacement.contains(QStringLiteral("(newer)")), newer > 0);
+        QCOMPARE(dialog.GetDlgItem(IDC_PX_OVERWRITE_EXISTING)->font().bold(), newer < 0);
+        QCOMPARE(dialog.GetDlgItem(IDC_PX_OVERWRITE_REPLACEMENT)->font().bold(), newer > 0);
         dialog.PressButton(IDNO);
     });
     QCOMPARE(dialog.Ask(), int(COverwriteDlg::kNo));
@@ -90,14 +131,18 @@ void QuestionsTest::overwriteShowsNameAndBothFiles() {
 void QuestionsTest::overwriteThroughAScriptedPrompt() {
     ScriptedPrompt prompt;
     prompt.QueueOverwrite(COverwriteDlg::kYesToAll);
-    const FileInfo a = MakeFile(L"a.txt", 1, 0);
-    QCOMPARE(COverwriteDlg::PromptUser(L"a.txt", a, a), int(COverwriteDlg::kYesToAll));
+    OverwriteSubject subject;
+    subject.name = L"a.txt";
+    subject.existing = subject.replacement = MakeFile(L"a.txt", 1, 0);
+    QCOMPARE(COverwriteDlg::PromptUser(subject), int(COverwriteDlg::kYesToAll));
     // An unexpected question cancels rather than overwrites.
     QCOMPARE(COverwriteDlg::PromptUser(L"b.txt", L""), int(COverwriteDlg::kCancel));
     const auto asked = prompt.Asked(ScriptedPrompt::Kind::Overwrite);
     QCOMPARE(asked.size(), size_t(2));
     QCOMPARE(asked[0].text, std::wstring(L"a.txt"));
+    QVERIFY(asked[0].overwrite.existing && asked[0].overwrite.replacement);
     QCOMPARE(asked[1].text, std::wstring(L"b.txt"));
+    QVERIFY(!asked[1].overwrite.existing);
 }
 
 void QuestionsTest::mkdirRefusesBadNames_data() {

@@ -77,9 +77,14 @@ TEST(CopyJobBuild, OverwriteAnswers) {
         SCOPED_TRACE(c.name);
         std::deque<A> answers(c.answers.begin(), c.answers.end());
         std::vector<std::wstring> asked;
-        OverwriteQuestion ask = [&](const std::wstring& name, const std::wstring& target) {
+        OverwriteQuestion ask = [&](const OverwriteCase& overwrite) {
+            const std::wstring& name = overwrite.replacement.name;
             asked.push_back(name);
-            EXPECT_EQ(target, W(dir.file("dst/")) + name);
+            EXPECT_EQ(overwrite.target, W(dir.file("dst/")) + name);
+            // The question carries both entries: one byte copied over the three of "old".
+            EXPECT_EQ(overwrite.replacement.size, 1);
+            EXPECT_TRUE(overwrite.existing && overwrite.existing->size == 3 &&
+                        overwrite.existing->name == name);
             A answer = answers.empty() ? A::kCancel : answers.front();
             if (!answers.empty())
                 answers.pop_front();
@@ -160,9 +165,20 @@ TEST(CopyJobRun, CopiesWholeTreesDepthFirst) {
     CVexaFileList source(nullptr, W(dir.file("src/")));
     CVexaFileList destination(nullptr, W(dir.file("dst/")));
     CopyJob job(source, destination);
+    std::vector<OverwriteCase> asked;
     ASSERT_EQ(job.Build(source.Entries(), true,
-                        [](const std::wstring&, const std::wstring&) { return OverwriteAnswer::kYes; }),
+                        [&](const OverwriteCase& overwrite) {
+                            asked.push_back(overwrite);
+                            return OverwriteAnswer::kYes;
+                        }),
               CopyJob::BuildResult::kReady);
+    // The existing folder is asked about as a folder (copied into), then the file inside it.
+    ASSERT_EQ(asked.size(), 2u);
+    EXPECT_EQ(asked[0].replacement.name, L"sub");
+    EXPECT_TRUE(asked[0].replacement.IsFolder() && asked[0].existing && asked[0].existing->IsFolder());
+    EXPECT_EQ(asked[1].replacement.name, L"inner.txt");
+    EXPECT_EQ(asked[1].target, W(dir.file("dst/sub/inner.txt")));
+    EXPECT_EQ(asked[1].replacement.size, 40000);
     EXPECT_EQ(job.FileCount(), 3);
     EXPECT_EQ(job.TotalBytes(), 40004);
 

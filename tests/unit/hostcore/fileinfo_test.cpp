@@ -246,3 +246,23 @@ TEST(FileInfo, RemoteNamesGoToFactories) {
     std::thread([&] { otherThreadError = FileInfo::LastError(); }).join();
     EXPECT_EQ(otherThreadError, 0);
 }
+
+TEST(FileInfo, CompareModifiedInWholeSeconds) {
+    struct Case {
+        const char* what;
+        int64_t first, second;
+        int expected;
+    } cases[] = {
+        {"first newer", 2'000'000'000, 1'000'000'000, -1},
+        {"second newer", 1'000'000'000, 1'000'001'000'000, 1},
+        {"same second, different microseconds", 1'700'000'000'900'000, 1'700'000'000'100'000, 0},
+        {"first unknown", 0, 1'000'000'000, 0},
+        {"second unknown", 1'000'000'000, 0, 0},
+    };
+    for (const Case& c : cases) {
+        FileInfo first, second;
+        first.times[2] = c.first;
+        second.times[2] = c.second;
+        EXPECT_EQ(CompareModified(first, second), c.expected) << c.what;
+    }
+}
