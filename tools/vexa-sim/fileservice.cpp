@@ -105,7 +105,7 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
         return Reply(out, request.id, wire::kStatusNotFolder, "not a folder: " + folder.instrumentPath);
 
     const bool showHidden = (request.flags & wire::kFlagListingOption) != 0;
-    std::vector<DirectoryRecord> records;
+    std::vector<std::string> names;
     fs::directory_iterator entries(folder.real, error);
     if (error)
         return ReplyErrno(out, request.id, error.value(), "cannot list " + folder.instrumentPath);
@@ -114,7 +114,7 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
         return ReplyErrno(out, request.id, errno, "cannot list " + folder.instrumentPath);
     FileCloser closer{folderFd};
     for (const fs::directory_entry& entry : entries) {
-        const std::string name = entry.path().filename().native();
+        std::string name = entry.path().filename().native();
         if (name.rfind(kUploadPrefix, 0) == 0 || (name.front() == '.' && !showHidden))
             continue;
         // Links that lead out of the served folder are not part of the instrument. The folder itself
@@ -124,27 +124,35 @@ bool FileService::List(const SimRequest& request, const FrameOutput& out) const 
         const bool mayLeadOut = entry.is_symlink(ignored) || ignored;
         if (mayLeadOut && (!m_paths.Contains(fs::weakly_canonical(entry.path(), ignored)) || ignored))
             continue;
-        if (std::optional<DirectoryRecord> record = DirectoryRecord::FromFolderEntry(folderFd, name))
-            records.push_back(std::move(*record));
+        names.push_back(std::move(name));
     }
-    std::sort(records.begin(), records.end(),
-              [](const DirectoryRecord& a, const DirectoryRecord& b) { return a.name < b.name; });
-    if (!folder.isRoot)
-        records.insert(records.begin(), DirectoryRecord::ParentEntry());
+    std::sort(names.begin(), names.end());
 
-    // An empty listing is still one (empty) data frame.
+    // Each frame's entries are examined just before it is sent, so the client decodes the first frames
+    // while the rest are looked at. An entry that vanished meanwhile is left out; an empty listing is
+    // still one (empty) data frame.
     std::size_t next = 0;
+    bool first = true;
     do {
-        const std::size_t end = std::min(records.size(), next + kRecordsPerFrame);
         std::vector<std::uint8_t> payload;
-        payload.reserve((end - next) * wire::kRecordSize);
-        for (std::size_t i = next; i < end; ++i)
-            records[i].AppendTo(payload);
-        next = end;
-        const std::uint16_t flags = wire::kFlagListing | (next < records.size() ? wire::kFlagMore : 0);
+        payload.reserve(kRecordsPerFrame * wire::kRecordSize);
+        std::size_t count = 0;
+        if (first && !folder.isRoot) {
+            DirectoryRecord::ParentEntry().AppendTo(payload);
+            ++count;
+        }
+        first = false;
+        for (; next < names.size() && count < kRecordsPerFrame; ++next) {
+            if (std::optional<DirectoryRecord> record =
+                    DirectoryRecord::FromFolderEntry(folderFd, names[next])) {
+                record->AppendTo(payload);
+                ++count;
+            }
+        }
+        const std::uint16_t flags = wire::kFlagListing | (next < names.size() ? wire::kFlagMore : 0);
         if (!out(FrameCodec::MakeData(request.id, flags, std::move(payload))))
             return false;
-    } while (next < records.size());
+    } while (next < names.size());
     return true;
 }
 
