@@ -62,3 +62,23 @@ std::string RandomBytes(size_t size, unsigned seed) {
         c = char(random() & 0xFF);
     return bytes;
 }
+
+std::string CompressibleBytes(size_t size) {
+    std::string text;
+    for (int line = 0; text.size() < size; ++line)
+        text += "scan " + std::to_string(line) + ": 0.000 0.000 0.000\n";
+    text.resize(size);
+    return text;
+}
+
+std::vector<std::string> LeftoverTemporaries(const std::string& folder) {
+    std::vector<std::string> found;
+    std::error_code error;
+    for (auto it = fs::recursive_directory_iterator(folder, error);
+         !error && it != fs::recursive_directory_iterator(); it.increment(error)) {
+        const std::string name = it->path().filename().string();
+        if (name.rfind("___temp@@", 0) == 0 || name.rfind(".vexa-sim-upload.", 0) == 0)
+            found.push_back(it->path().string());
+    }
+    return found;
+}

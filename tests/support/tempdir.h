@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <vector>
 
 // A fresh temporary folder, removed with everything in it when the object goes.
 class TempDir {
@@ -22,4 +23,9 @@ private:
 std::string ReadWholeFile(const std::string& path);
 // `size` pseudo-random bytes, the same for the same seed: content that does not compress.
 std::string RandomBytes(size_t size, unsigned seed);
+// `size` bytes of text that compresses well, as a data file's scan lines do.
+std::string CompressibleBytes(size_t size);
 bool FileExists(const std::string& path);
+// Names under `folder` (recursively) that start with the copy's temporary prefix or the simulator's
+// upload prefix: what an interrupted or failed copy must not leave behind.
+std::vector<std::string> LeftoverTemporaries(const std::string& folder);

@@ -1,4 +1,5 @@
 // The command-line tool's link commands end to end against the simulator: words, numbers, exit codes.
+#include "demotree.h"
 #include "loopback.h"
 #include "processrun.h"
 #include "simulator.h"
@@ -9,16 +10,8 @@
 
 #include <cstdlib>
 
-namespace {
-
-std::string DemoTree() {
-    return std::string(std::getenv("VEXA_SOURCE_DIR")) + "/tools/vexa-sim/demo";
-}
-
-} // namespace
-
 TEST(CliPing, ReachableInstrumentExitsZero) {
-    SimulatorProcess sim(DemoTree());
+    SimulatorProcess sim(DemoTreePath());
     ProcessResult r = RunVexa({"ping", sim.address()});
     EXPECT_EQ(r.exitCode, 0) << r.err;
     EXPECT_NE(r.out.find("the instrument answers"), std::string::npos) << r.out;

@@ -1,8 +1,7 @@
 // The file commands of `vexa` end to end against the simulator: results, JSON shapes and exit codes.
 #include "loopback.h"
 #include "processrun.h"
-#include "simfixture.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
 
 #include <gtest/gtest.h>
@@ -21,18 +20,17 @@ namespace {
 class CliFiles : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_root.createFile("Data/a.mth", "method a");
-        m_root.createFile("Data/run1.vxs", RandomBytes(150000, 4));
-        m_root.createFile("Data/.hidden", "h");
-        m_root.createDir("Data/Sub");
-        m_sim = std::make_unique<SimulatorProcess>(m_root.path());
+        m_instrument.tree().createFile("Data/a.mth", "method a");
+        m_instrument.tree().createFile("Data/run1.vxs", RandomBytes(150000, 4));
+        m_instrument.tree().createFile("Data/.hidden", "h");
+        m_instrument.tree().createDir("Data/Sub");
+        m_instrument.start();
     }
-    std::string Remote(const std::string& path) const { return "@" + m_sim->address() + ":" + path; }
-    std::string Instrument(const std::string& path) const { return m_root.path() + path; }
+    std::string Remote(const std::string& path) const { return m_instrument.remote(path); }
+    std::string Instrument(const std::string& path) const { return m_instrument.root() + path; }
 
-    TempDir m_root;
+    SimulatedInstrument m_instrument;
     TempDir m_pc;
-    std::unique_ptr<SimulatorProcess> m_sim;
 };
 
 std::set<std::string> Names(const nlohmann::json& entries) {
@@ -102,7 +100,7 @@ TEST_F(CliFiles, GetAndPutRoundTripThroughTheTemporaryName) {
     r = RunVexa({"put", m_pc.file("run1.vxs"), Remote("/Data/Sub/copy.vxs")});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(FileExists(Instrument("/Data/Sub/copy.vxs")));
-    EXPECT_TRUE(LeftoverTemporaries(m_root.path()).empty());
+    EXPECT_TRUE(LeftoverTemporaries(m_instrument.root()).empty());
     EXPECT_TRUE(LeftoverTemporaries(m_pc.path()).empty());
 }
 
@@ -178,11 +176,12 @@ TEST_F(CliFiles, CopyTreesBothWays) {
 // Several links at once: each carries its share of the files, and every file arrives whole.
 TEST_F(CliFiles, CopyTreesOverSeveralLinks) {
     for (int i = 0; i < 7; ++i)
-        m_root.createFile("Data/Many/f" + std::to_string(i) + ".txt", RandomBytes(3000 + i, unsigned(i)));
-    m_root.createFile("Data/Many/Sub/s.txt", "s");
+        m_instrument.tree().createFile("Data/Many/f" + std::to_string(i) + ".txt",
+                                       RandomBytes(3000 + i, unsigned(i)));
+    m_instrument.tree().createFile("Data/Many/Sub/s.txt", "s");
     // Links that said hello and ended (the simulator's start-up probe never says hello).
     const auto linksServed = [this] {
-        const std::string log = m_sim->log();
+        const std::string log = m_instrument.sim().log();
         const auto count = [&log](const std::string& text) {
             int n = 0;
             for (size_t at = 0; (at = log.find(text, at)) != std::string::npos; ++at)
@@ -197,7 +196,7 @@ TEST_F(CliFiles, CopyTreesOverSeveralLinks) {
     // simulator notes on its own threads.
     for (int i = 0; i < 100 && linksServed() < 6; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(linksServed(), 6) << m_sim->log();
+    EXPECT_EQ(linksServed(), 6) << m_instrument.sim().log();
     r = RunVexa({"cp", "-r", "--jobs", "3", m_pc.file("down"), Remote("/Data/Back")});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     for (const std::string name : {"f0.txt", "f3.txt", "f6.txt", "Sub/s.txt"}) {
@@ -236,13 +235,13 @@ TEST_F(CliFiles, FolderCommandsAndTheirStatuses) {
 }
 
 TEST_F(CliFiles, RunPrintsTheOutput) {
-    ProcessResult r = RunVexa({"run", "--timeout", "5", m_sim->address(), "status"});
+    ProcessResult r = RunVexa({"run", "--timeout", "5", m_instrument.address(), "status"});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_NE(r.out.find("model="), std::string::npos) << r.out;
-    r = RunVexa({"--json", "run", m_sim->address(), "status"});
+    r = RunVexa({"--json", "run", m_instrument.address(), "status"});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(nlohmann::json::parse(r.out)["command"], "status");
-    r = RunVexa({"run", m_sim->address(), "no-such-command"});
+    r = RunVexa({"run", m_instrument.address(), "no-such-command"});
     EXPECT_EQ(r.exitCode, 1);
 }
 
@@ -258,7 +257,7 @@ TEST_F(CliFiles, ExitCodesForUsageAndUnreachableInstruments) {
         {{"run", nobody.substr(1, nobody.find(':') - 1), "status"}, 3},
         {{"ls", "/tmp"}, 2},
         {{"ls", "@bad host:/x"}, 2},
-        {{"ls", "@" + m_sim->address() + ":relative"}, 2},
+        {{"ls", "@" + m_instrument.address() + ":relative"}, 2},
         {{"get", "/tmp/x", "/tmp/y"}, 2},
         {{"put", Remote("/Data/a.mth"), "/tmp/y"}, 2},
         {{"ls"}, 2},

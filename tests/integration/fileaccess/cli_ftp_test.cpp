@@ -3,7 +3,6 @@
 // once complete.
 #include "ftpserverprocess.h"
 #include "processrun.h"
-#include "simfixture.h"
 #include "tempdir.h"
 
 #include <gtest/gtest.h>

@@ -2,10 +2,13 @@
 // frame boundaries, Unicode names, cancel in both directions, and the simulator's faults.
 #include "copyjob.h"
 #include "recordingobserver.h"
-#include "simfixture.h"
+#include "recordingprogress.h"
+#include "simulatedinstrument.h"
 #include "stdiofile.h"
+#include "tempdir.h"
 #include "text.h"
 #include "vexafilelist.h"
+#include "vexasensorobject.h"
 #include "winsockerror.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +21,9 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// The file link alone: the simulator's faults then count only the file traffic.
+constexpr auto kLinkOnly = SimulatedInstrument::Commands::None;
 
 std::wstring W(const std::string& s) {
     return FromUtf8(s);
@@ -32,7 +38,7 @@ std::string RoundTrip(SimulatedInstrument& instrument, const std::string& name, 
     TempDir pc;
     pc.createFile("up/" + name, content);
     CVexaFileList local(nullptr, W(pc.file("up/")));
-    CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"));
+    CVexaFileList remote(instrument.sensor(), instrument.remote(L"/Data/"));
     const FileInfo* upload = local.Find(W(name));
     EXPECT_NE(upload, nullptr);
     if (!upload)
@@ -62,7 +68,8 @@ std::string RoundTrip(SimulatedInstrument& instrument, const std::string& name, 
 
 TEST(SimTransfer, RoundTripsAtFrameBoundaries) {
     SimulatedInstrument instrument;
-    ASSERT_TRUE(instrument.online());
+    instrument.start();
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     struct Case {
         size_t size;
         bool compressible;
@@ -86,7 +93,8 @@ TEST(SimTransfer, RoundTripsAtFrameBoundaries) {
 
 TEST(SimTransfer, UnicodeNamesTravelAsUtf8) {
     SimulatedInstrument instrument;
-    ASSERT_TRUE(instrument.online());
+    instrument.start();
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     const std::string name = "Pr\xC3\xBC"
                              "fung \xE6\xB8\xAC\xE5\xAE\x9A \xF0\x9F\xA7\xAA.mth";
     const std::string content = CompressibleBytes(70000);
@@ -99,12 +107,13 @@ TEST(SimTransfer, UnicodeNamesTravelAsUtf8) {
 
 TEST(SimTransfer, StdioFileReadsWhatTheInstrumentHas) {
     SimulatedInstrument instrument;
+    instrument.start();
     instrument.tree().createFile("Data/lines.txt", "first\r\nsecond\nthird");
     instrument.tree().createFile("Data/big.bin", RandomBytes(200000, 9));
-    ASSERT_TRUE(instrument.online());
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
 
     StdioFile text;
-    ASSERT_TRUE(text.Open(instrument.Remote(L"/Data/lines.txt"), L"rt"));
+    ASSERT_TRUE(text.Open(instrument.remote(L"/Data/lines.txt"), L"rt"));
     EXPECT_STREQ(text.TransportName(), L"link");
     EXPECT_EQ(text.GetLength(), 19);
     std::wstring line;
@@ -115,13 +124,13 @@ TEST(SimTransfer, StdioFileReadsWhatTheInstrumentHas) {
     text.Close();
 
     StdioFile missing;
-    EXPECT_FALSE(missing.Open(instrument.Remote(L"/Data/none.txt"), L"r"));
+    EXPECT_FALSE(missing.Open(instrument.remote(L"/Data/none.txt"), L"r"));
     EXPECT_EQ(missing.GetError(), 2);
     EXPECT_FALSE(missing.GetErrorText().empty()) << "the instrument's message is kept";
 
     // A file closed half-read leaves the link ready for the next request.
     StdioFile partial;
-    ASSERT_TRUE(partial.Open(instrument.Remote(L"/Data/big.bin"), L"rb"));
+    ASSERT_TRUE(partial.Open(instrument.remote(L"/Data/big.bin"), L"rb"));
     char buffer[100];
     EXPECT_EQ(partial.Read(buffer, sizeof buffer), 100);
     partial.Close();
@@ -132,7 +141,8 @@ TEST(SimTransfer, StdioFileReadsWhatTheInstrumentHas) {
 
 TEST(SimTransfer, CancelMidwayKeepsTheOldFileInBothDirections) {
     SimulatedInstrument instrument;
-    ASSERT_TRUE(instrument.online());
+    instrument.start();
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     const std::string big = RandomBytes(2 * 1024 * 1024, 5);
     instrument.tree().createFile("Data/down.bin", big);
     instrument.tree().createFile("Data/up.bin", "old on the instrument");
@@ -140,7 +150,7 @@ TEST(SimTransfer, CancelMidwayKeepsTheOldFileInBothDirections) {
     pc.createFile("up.bin", big);
     pc.createFile("down.bin", "old on the pc");
     CVexaFileList local(nullptr, W(pc.path() + "/"));
-    CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"));
+    CVexaFileList remote(instrument.sensor(), instrument.remote(L"/Data/"));
 
     RecordingProgress upload;
     upload.cancelAfter = 1024 * 1024;
@@ -167,8 +177,9 @@ TEST(SimTransfer, CancelMidwayKeepsTheOldFileInBothDirections) {
 // reading the rest would run into the instrument's stall, time out and take the sensor off line.
 TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
     constexpr int64_t kSize = 64 << 20;
-    SimulatedInstrument instrument({"--no-compress", "--fault", "stall-after=8388608"});
-    ASSERT_TRUE(instrument.online());
+    SimulatedInstrument instrument;
+    instrument.start({"--no-compress", "--fault", "stall-after=8388608"});
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     ASSERT_EQ(::truncate(instrument.tree().createFile("Data/huge.bin").c_str(), kSize), 0);
     const std::string small = RandomBytes(300000, 3);
     instrument.tree().createFile("Data/small.bin", small);
@@ -176,7 +187,7 @@ TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
     observer.SetSensor(instrument.sensor());
 
     StdioFile huge;
-    ASSERT_TRUE(huge.Open(instrument.Remote(L"/Data/huge.bin"), L"rb"));
+    ASSERT_TRUE(huge.Open(instrument.remote(L"/Data/huge.bin"), L"rb"));
     std::vector<char> block(16384);
     for (int64_t done = 0; done < kSize / 10; done += int64_t(block.size()))
         ASSERT_EQ(huge.Read(block.data(), int(block.size())), int(block.size()));
@@ -185,7 +196,7 @@ TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
     EXPECT_TRUE(instrument.online());
     EXPECT_TRUE(observer.Codes().empty()) << "observers saw the link change";
     StdioFile next;
-    ASSERT_TRUE(next.Open(instrument.Remote(L"/Data/small.bin"), L"rb"));
+    ASSERT_TRUE(next.Open(instrument.remote(L"/Data/small.bin"), L"rb"));
     std::string back(small.size() + 1, '\0');
     EXPECT_EQ(next.Read(back.data(), int(back.size())), int(small.size()));
     back.resize(small.size());
@@ -195,13 +206,14 @@ TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
 
 TEST(SimTransfer, CopyJobCopiesATreeBothWays) {
     SimulatedInstrument instrument;
-    ASSERT_TRUE(instrument.online());
+    instrument.start();
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     TempDir pc;
     pc.createFile("tree/a.mth", "a");
     pc.createFile("tree/sub/b.tun", RandomBytes(100000, 3));
     pc.createFile("tree/sub/deep/c.txt", "c");
     CVexaFileList local(nullptr, W(pc.path() + "/"));
-    CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"));
+    CVexaFileList remote(instrument.sensor(), instrument.remote(L"/Data/"));
     std::vector<FileInfo> selection{*local.Find(L"tree")};
     CopyJob up(local, remote);
     ASSERT_EQ(up.Build(selection, true, {}), CopyJob::BuildResult::kReady);
@@ -236,13 +248,14 @@ TEST(SimFaults, OperationsFailCleanlyWithinTheLinkLimits) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);
-        SimulatedInstrument instrument({"--fault", c.fault});
+        SimulatedInstrument instrument;
+        instrument.start({"--fault", c.fault});
         instrument.tree().createFile("Data/file.bin", RandomBytes(300000, 11));
-        ASSERT_TRUE(instrument.online());
+        ASSERT_TRUE(instrument.goOnline(kLinkOnly));
         TempDir pc;
         pc.createFile("file.bin", "old");
         CVexaFileList local(nullptr, W(pc.path() + "/"));
-        CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"), false);
+        CVexaFileList remote(instrument.sensor(), instrument.remote(L"/Data/"), false);
         FileInfo entry;
         entry.name = L"file.bin";
         entry.size = 300000;
@@ -263,12 +276,13 @@ TEST(SimFaults, OperationsFailCleanlyWithinTheLinkLimits) {
 }
 
 TEST(SimFaults, AnUploadTheInstrumentRefusesLeavesNothingBehind) {
-    SimulatedInstrument instrument({"--fault", "reply-status=13"});
-    ASSERT_TRUE(instrument.online());
+    SimulatedInstrument instrument;
+    instrument.start({"--fault", "reply-status=13"});
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     TempDir pc;
     pc.createFile("new.mth", "content");
     CVexaFileList local(nullptr, W(pc.path() + "/"));
-    CVexaFileList remote(instrument.sensor(), instrument.Remote(L"/Data/"), false);
+    CVexaFileList remote(instrument.sensor(), instrument.remote(L"/Data/"), false);
     EXPECT_FALSE(remote.CopyIn(*local.Find(L"new.mth"), local, nullptr));
     EXPECT_NE(remote.LastError(), 0);
     EXPECT_FALSE(FileExists(instrument.root() + "/Data/new.mth"));

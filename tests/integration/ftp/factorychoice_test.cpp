@@ -2,10 +2,9 @@
 // port 21, each with a file of the same name but different content, so every read shows which way it
 // went. The link is used while the sensor is on line; FTP takes over once it is off line.
 #include "ftpserverprocess.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
 
-#include "remotename.h"
 #include "sensorinfo.h"
 #include "sensorref.h"
 #include "stdiofile.h"
@@ -32,12 +31,12 @@ protected:
     void SetUp() override {
         for (const char* proxy : {"ftp_proxy", "FTP_PROXY", "all_proxy", "ALL_PROXY"})
             unsetenv(proxy);
-        m_instrument.createFile("Data/run1.vxs", "over the link");
+        m_instrument.tree().createFile("Data/run1.vxs", "over the link");
         m_ftpHome.createFile("Data/run1.vxs", "over FTP");
-        m_sim = std::make_unique<SimulatorProcess>(m_instrument.path());
+        m_instrument.start();
         std::string whyNot;
         bool skippable = false;
-        if (!m_ftp.Start(m_ftpHome.path(), "qord", &whyNot, &skippable, m_sim->address())) {
+        if (!m_ftp.Start(m_ftpHome.path(), "qord", &whyNot, &skippable, m_instrument.address())) {
             if (skippable)
                 GTEST_SKIP() << "no FTP server for this test: " << whyNot;
             FAIL() << whyNot;
@@ -45,13 +44,13 @@ protected:
         ISensorInfo* info = ISensorInfo::FindSensorType(L"VEXA");
         ASSERT_NE(info, nullptr);
         m_sensor = SensorRef<VEXASensorObject>::AdoptIf(
-            info->CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
+            info->CreateSensorObject(nullptr, ISensorAddress(m_instrument.host())));
         ASSERT_TRUE(m_sensor);
     }
-    std::wstring Remote(const std::wstring& path) const { return MakeFilename(L"", path, m_sim->host()); }
+    std::wstring Remote(const std::wstring& path) const { return m_instrument.remote(path); }
 
-    TempDir m_instrument, m_ftpHome, m_pc;
-    std::unique_ptr<SimulatorProcess> m_sim;
+    SimulatedInstrument m_instrument;
+    TempDir m_ftpHome, m_pc;
     FtpServerProcess m_ftp;
     SensorRef<VEXASensorObject> m_sensor;
 };
@@ -84,7 +83,7 @@ TEST_F(FactoryChoice, LinkWhileOnLineFtpWhenOffLine) {
 TEST_F(FactoryChoice, FileListCopiesOverFtpThroughItsTemporaryName) {
     // Off line from the start: the copy's source is read over FTP, the PC file appears only complete.
     m_pc.createFile("run1.vxs", "old PC copy");
-    CVexaFileList source(m_sensor.get(), CVexaFileList::FolderArgument(m_sim->host(), L"/Data"), false);
+    CVexaFileList source(m_sensor.get(), CVexaFileList::FolderArgument(m_instrument.host(), L"/Data"), false);
     CVexaFileList destination(m_sensor.get(), CVexaFileList::FolderArgument(
                                                   L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
     FileInfo entry;
@@ -100,7 +99,7 @@ TEST_F(FactoryChoice, FileListCopiesOverFtpThroughItsTemporaryName) {
                                              L"", std::wstring(m_pc.path().begin(), m_pc.path().end())));
     const FileInfo* notes = pcSide.Find(L"notes.txt");
     ASSERT_NE(notes, nullptr);
-    CVexaFileList instrumentSide(m_sensor.get(), CVexaFileList::FolderArgument(m_sim->host(), L"/Data"),
+    CVexaFileList instrumentSide(m_sensor.get(), CVexaFileList::FolderArgument(m_instrument.host(), L"/Data"),
                                  false);
     // Without the link the file is put in place over FTP as well, replacing the old one.
     m_ftpHome.createFile("Data/notes.txt", "old notes");

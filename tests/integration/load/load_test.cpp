@@ -4,7 +4,7 @@
 // ($VEXA_LOAD_SECONDS).
 #include "processrun.h"
 #include "pumpwait.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "stringtable.h"
 #include "tempdir.h"
 #include "vexasensorinfo.h"
@@ -84,13 +84,14 @@ void RunClient(int client, const SimulatorProcess& sim, const TempDir& pc,
 } // namespace
 
 TEST(Load, TwentyClientsAndAPollerForAWhile) {
-    TempDir root;
+    SimulatedInstrument instrument;
     std::vector<std::string> files;
     for (int i = 0; i < kFiles; ++i) {
         files.push_back(RandomBytes(size_t(100000 + 60000 * i), unsigned(40 + i)));
-        root.createFile("Data/file" + std::to_string(i) + ".vxs", files.back());
+        instrument.tree().createFile("Data/file" + std::to_string(i) + ".vxs", files.back());
     }
-    SimulatorProcess sim(root.path());
+    instrument.start();
+    const SimulatorProcess& sim = instrument.sim();
     TempDir pc;
 
     RegisterVexaStrings();

@@ -1,8 +1,10 @@
 // Methods on an instrument: a save and reload through the link, saves that fail under the simulator's
 // faults and leave the old file, the method that a data file on the instrument names, and the CLI.
+#include "demotree.h"
 #include "methodoffile.h"
 #include "processrun.h"
-#include "simfixture.h"
+#include "simulatedinstrument.h"
+#include "tempdir.h"
 #include "text.h"
 #include "vexafileref.h"
 #include "vexamethod.h"
@@ -14,15 +16,13 @@
 
 namespace {
 
-std::string DemoFile(const std::string& relative) {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/tools/vexa-sim/demo/" + relative;
-}
+// The file link alone: the simulator's faults then count only the file traffic.
+constexpr auto kLinkOnly = SimulatedInstrument::Commands::None;
 
 void CopyDemo(SimulatedInstrument& instrument, const std::string& relative) {
     std::filesystem::create_directories(
         std::filesystem::path(instrument.root() + "/" + relative).parent_path());
-    std::filesystem::copy_file(DemoFile(relative), instrument.root() + "/" + relative);
+    std::filesystem::copy_file(DemoTreePath(relative), instrument.root() + "/" + relative);
 }
 
 VexaMethod EditedMethod() {
@@ -36,19 +36,20 @@ VexaMethod EditedMethod() {
 
 TEST(MethodOnInstrument, SaveAndReloadRoundTrip) {
     SimulatedInstrument instrument;
-    ASSERT_TRUE(instrument.online());
+    instrument.start();
+    ASSERT_TRUE(instrument.goOnline(kLinkOnly));
     CopyDemo(instrument, "Method/Default.mth");
     VexaFileRef file;
-    ASSERT_TRUE(file.Open(instrument.Remote(L"/Method/Default.mth"))) << ToUtf8(file.GetLastErrorText());
+    ASSERT_TRUE(file.Open(instrument.remote(L"/Method/Default.mth"))) << ToUtf8(file.GetLastErrorText());
     VexaMethod method(file);
     ASSERT_TRUE(method.IsValid());
     method.setDescription(L"Edited over the link");
     ASSERT_TRUE(method.Save(file)) << ToUtf8(file.GetLastErrorText());
-    ASSERT_TRUE(method.Save(file, instrument.Remote(L"/Method/Copy.mth"))) << ToUtf8(file.GetLastErrorText());
+    ASSERT_TRUE(method.Save(file, instrument.remote(L"/Method/Copy.mth"))) << ToUtf8(file.GetLastErrorText());
 
     for (const wchar_t* name : {L"/Method/Default.mth", L"/Method/Copy.mth"}) {
         VexaFileRef again;
-        ASSERT_TRUE(again.Open(instrument.Remote(name)));
+        ASSERT_TRUE(again.Open(instrument.remote(name)));
         EXPECT_TRUE(VexaMethod(again) == method) << ToUtf8(name);
     }
     EXPECT_TRUE(LeftoverTemporaries(instrument.root()).empty());
@@ -59,12 +60,14 @@ TEST(MethodOnInstrument, AFailedSaveLeavesTheOldFile) {
     for (int frames = 1; frames <= 6; ++frames)
         faults.push_back("drop-after-frames=" + std::to_string(frames));
     for (const std::string& fault : faults) {
-        SimulatedInstrument instrument({"--fault", fault});
+        SimulatedInstrument instrument;
+        instrument.start({"--fault", fault});
+        instrument.goOnline(kLinkOnly);
         CopyDemo(instrument, "Method/Default.mth");
         const std::string old = ReadWholeFile(instrument.root() + "/Method/Default.mth");
         VexaFileRef file;
         const VexaMethod method = EditedMethod();
-        if (method.Save(file, instrument.Remote(L"/Method/Default.mth"))) {
+        if (method.Save(file, instrument.remote(L"/Method/Default.mth"))) {
             // The fault struck after the file was complete: then the new method is whole.
             VexaFileRef local;
             ASSERT_TRUE(local.Open(FromUtf8(instrument.root() + "/Method/Default.mth"))) << fault;
@@ -80,12 +83,14 @@ TEST(MethodOnInstrument, AFailedSaveLeavesTheOldFile) {
 
 TEST(MethodOnInstrument, ADataFileNamesItsMethodOnTheSameInstrument) {
     SimulatedInstrument instrument;
+    instrument.start();
+    instrument.goOnline(kLinkOnly);
     CopyDemo(instrument, "Data/Survey001.vxz");
     CopyDemo(instrument, "Method/Survey.mth");
     std::wstring method, reason;
-    ASSERT_TRUE(FindMethodOfFile(instrument.Remote(L"/Data/Survey001.vxz"), &method, &reason))
+    ASSERT_TRUE(FindMethodOfFile(instrument.remote(L"/Data/Survey001.vxz"), &method, &reason))
         << ToUtf8(reason);
-    EXPECT_EQ(method, instrument.Remote(L"/Method/Survey.mth"));
+    EXPECT_EQ(method, instrument.remote(L"/Method/Survey.mth"));
     VexaFileRef file;
     ASSERT_TRUE(file.Open(method));
     EXPECT_EQ(VexaMethod(file).getDescription(), L"Fast screening, 45-350 amu, 5 minute run");
@@ -93,10 +98,11 @@ TEST(MethodOnInstrument, ADataFileNamesItsMethodOnTheSameInstrument) {
 
 TEST(MethodShowCommand, PrintsMethodsAndNamesTheFileThatIsNone) {
     SimulatedInstrument instrument;
+    instrument.start();
     CopyDemo(instrument, "Method/Default.mth");
     CopyDemo(instrument, "Method/Site.xmth");
-    const std::string remote = "@" + instrument.sim().address() + ":/Method/Default.mth";
-    const std::string local = DemoFile("Method/Survey.mth");
+    const std::string remote = instrument.remote("/Method/Default.mth");
+    const std::string local = DemoTreePath("Method/Survey.mth");
 
     ProcessResult r = RunVexa({"method", "show", remote, local});
     ASSERT_EQ(r.exitCode, 0) << r.err;
@@ -113,7 +119,7 @@ TEST(MethodShowCommand, PrintsMethodsAndNamesTheFileThatIsNone) {
     EXPECT_EQ(shown[0]["runTimeSeconds"], 300);
     EXPECT_EQ(shown[0]["runTime"], "5:00");
 
-    const std::string sequence = "@" + instrument.sim().address() + ":/Method/Site.xmth";
+    const std::string sequence = instrument.remote("/Method/Site.xmth");
     r = RunVexa({"method", "show", local, sequence});
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find(sequence + ": not a valid method"), std::string::npos) << r.err;

@@ -1,10 +1,8 @@
 #include "simulatorfixture.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <zlib.h>
+#include "demotree.h"
 
-namespace fs = std::filesystem;
+#include <zlib.h>
 
 std::vector<ListedEntry> DecodeRecords(const Bytes& payload) {
     std::vector<ListedEntry> entries;
@@ -45,9 +43,7 @@ Bytes Content(const std::vector<ReceivedFrame>& frames) {
 }
 
 SimulatorTest::SimulatorTest() {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    const fs::path demo = fs::path(source ? source : ".") / "tools/vexa-sim/demo";
-    fs::copy(demo, root(), fs::copy_options::recursive);
+    CopyDemoTree(root());
     m_temp.createFile("outside/secret.txt", "not for the instrument");
 }
 

@@ -2,7 +2,7 @@
 #include "pumpwait.h"
 #include "recordingobserver.h"
 #include "sensorref.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "stringtable.h"
 #include "tempdir.h"
 #include "vexadevice.h"
@@ -25,10 +25,9 @@ protected:
         RegisterVexaStrings();
         m_info.Initialize(nullptr);
         const std::string profilePath = m_dir.createFile("profile.json", profile);
-        m_sim = std::make_unique<SimulatorProcess>(m_dir.createDir("root"),
-                                                   std::vector<std::string>{"--profile", profilePath});
+        m_instrument.start({"--profile", profilePath});
         m_sensor = SensorRef<VEXASensorObject>::AdoptIf(
-            m_info.CreateSensorObject(nullptr, ISensorAddress(m_sim->host())));
+            m_info.CreateSensorObject(nullptr, ISensorAddress(m_instrument.host())));
         ASSERT_TRUE(m_sensor);
         ASSERT_TRUE(m_sensor->GoOnline()) << m_sensor->GetLastLinkError();
         ASSERT_TRUE(m_sensor->GetChannel() && m_sensor->GetChannel()->IsOpen());
@@ -50,9 +49,9 @@ protected:
         }
     }
 
-    TempDir m_dir;
+    TempDir m_dir; // the profile, outside the instrument's tree
+    SimulatedInstrument m_instrument;
     VEXASensorInfo m_info;
-    std::unique_ptr<SimulatorProcess> m_sim;
     SensorRef<VEXASensorObject> m_sensor;
 };
 
@@ -134,7 +133,7 @@ TEST_F(SimulatedSensor, LostInstrumentTakesTheSensorOffLine) {
     observer.SetSensor(m_sensor.get());
     m_sensor->OnTimer(0);
     ASSERT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
-    m_sim->stop();
+    m_instrument.stop();
     ASSERT_TRUE(PollUntil([&] { return !m_sensor->IsOnline(false); }, 15000));
     EXPECT_TRUE(observer.Has(kSensorEventOffline));
     EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());

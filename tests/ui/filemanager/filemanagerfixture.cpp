@@ -1,7 +1,6 @@
 #include "filemanagerfixture.h"
 
 #include "explorerctrl.h"
-#include "vexacommsensor.h"
 #include "vexafiledlg.h"
 #include "vexasensorobject.h"
 
@@ -12,43 +11,30 @@
 #include <QTest>
 
 #include <cstdlib>
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 FileManagerTest::FileManagerTest() {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    if (!source)
-        throw std::runtime_error("VEXA_SOURCE_DIR is not set");
-    fs::copy(fs::path(source) / "tools/vexa-sim/demo", m_temp.file("instrument"),
-             fs::copy_options::recursive);
     m_temp.createDir("pc");
     SetAccess("0,1");
 }
 
 FileManagerTest::~FileManagerTest() {
     m_dialog.reset();
-    if (m_sensor)
-        m_sensor->Disconnect(0);
-    m_sensor.Reset();
-    m_simulator.reset();
+    m_instrument.dropSensor();
+    m_instrument.stop();
     unsetenv("VEXA_ACCESS");
 }
 
 void FileManagerTest::StartInstrument(const std::vector<std::string>& simulatorArgs) {
-    m_simulator = std::make_unique<SimulatorProcess>(m_temp.file("instrument"), simulatorArgs);
-    m_sensor = SensorRef<VEXASensorObject>::Adopt(
-        new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host())));
-    AttachVexaCommSensor(*m_sensor);
-    ASSERT_TRUE(m_sensor->GoOnline()) << "the sensor did not go on line to " << m_simulator->address();
+    m_instrument.start(simulatorArgs);
+    ASSERT_TRUE(m_instrument.goOnline()) << "the sensor did not go on line to " << m_instrument.address();
 }
 
 void FileManagerTest::SetAccess(const char* levels) {
     setenv("VEXA_ACCESS", levels, 1);
 }
 
-CVexaFileDlg& FileManagerTest::OpenDialog() {
-    m_dialog = std::make_unique<CVexaFileDlg>(*m_sensor);
+CVexaFileDlg& FileManagerTest::OpenDialog(VEXASensorObject* sensor) {
+    m_dialog = std::make_unique<CVexaFileDlg>(sensor ? *sensor : *m_instrument.sensor());
     m_dialog->SetTitle(L"Manage Files");
     m_dialog->SetLocalStartFolder(Wide(PcFolder()));
     m_dialog->resize(1000, 640);

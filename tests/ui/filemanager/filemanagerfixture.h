@@ -2,8 +2,7 @@
 // A simulated instrument serving a copy of the demo tree, a sensor on line to it, a workstation folder
 // and the Manage Files dialog over both, shown (not modal) so a case can drive it directly.
 #include "scriptedprompt.h"
-#include "sensorref.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
 
 #include <gtest/gtest.h>
@@ -29,12 +28,11 @@ protected:
     // line. Access levels for the case: VEXA_ACCESS, e.g. "0,1" or "".
     void StartInstrument(const std::vector<std::string>& simulatorArgs = {});
     static void SetAccess(const char* levels);
-    // The dialog on the workstation folder, shown; OnInitDialog has run.
-    CVexaFileDlg& OpenDialog();
+    // The dialog on the workstation folder and `sensor` (by default the instrument's), shown;
+    // OnInitDialog has run.
+    CVexaFileDlg& OpenDialog(VEXASensorObject* sensor = nullptr);
 
-    std::string InstrumentPath(const std::string& relative) const {
-        return m_temp.file("instrument/" + relative);
-    }
+    std::string InstrumentPath(const std::string& relative) const { return m_instrument.file(relative); }
     std::string PcPath(const std::string& relative) const { return m_temp.file("pc/" + relative); }
     std::string PcFolder() const { return m_temp.file("pc"); }
     static std::wstring Wide(const std::string& text) { return std::wstring(text.begin(), text.end()); }
@@ -54,9 +52,8 @@ protected:
     // The command ids of a menu's items, separators left out.
     static std::vector<int> MenuCommands(QMenu& menu);
 
-    TempDir m_temp;
-    std::unique_ptr<SimulatorProcess> m_simulator;
-    SensorRef<VEXASensorObject> m_sensor;
+    SimulatedInstrument m_instrument{SimulatedInstrument::Tree::Demo};
+    TempDir m_temp; // the workstation's folder "pc", and profiles for the simulator
     ScriptedPrompt m_prompt;
     std::unique_ptr<CVexaFileDlg> m_dialog;
 };

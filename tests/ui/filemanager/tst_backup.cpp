@@ -64,10 +64,10 @@ protected:
     void StartSensorTimer() {
         m_timer.setInterval(100);
         QObject::connect(&m_timer, &QTimer::timeout, [this] {
-            if (m_polling || !m_sensor)
+            if (m_polling || !m_instrument.sensor())
                 return; // the poll pumps events: no second poll inside the first
             m_polling = true;
-            m_sensor->OnTimer(0);
+            m_instrument.sensor()->OnTimer(0);
             m_polling = false;
         });
         m_timer.start();
@@ -109,7 +109,8 @@ TEST_F(BackupFromManageFiles, BackupAllAsksThenFetchesAnArchiveOfEveryInstrument
     EXPECT_EQ(save.filter, L"Compressed Files (*.tgz)|*.tgz|");
     EXPECT_EQ(save.extension, L"tgz");
     EXPECT_EQ(save.flags, 17u);
-    EXPECT_EQ(save.start, m_sensor->GetSensorDir(L"", false) + L"/" + m_sensor->GetName() + L".tgz");
+    EXPECT_EQ(save.start, m_instrument.sensor()->GetSensorDir(L"", false) + L"/" +
+                              m_instrument.sensor()->GetName() + L".tgz");
 
     const TgzContents archive = ReadTgz(PcPath("site.tgz"));
     ASSERT_TRUE(archive.ok);
@@ -195,7 +196,7 @@ TEST_F(BackupFromManageFiles, AnInstrumentLostMidBackupClosesTheWindowAndFetches
     bool shownWhileHanging = false;
     QTimer::singleShot(1500, [&] {
         shownWhileHanging = dialog.BackupWindow()->isVisible();
-        m_simulator->stop();
+        m_instrument.sim().stop();
     });
     RunBackup(dialog, true);
     EXPECT_TRUE(shownWhileHanging);

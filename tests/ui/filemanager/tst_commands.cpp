@@ -157,7 +157,7 @@ TEST_F(FileManagerTest, TextEditorWritesOnlyAChangedTextAfterYes) {
     dialog.RunMenuCommand(CVexaFileDlg::kRemotePane, row, ID_FILEMGR_TEXT_EDITOR);
     const auto asked = m_prompt.Asked(ScriptedPrompt::Kind::YesNo);
     ASSERT_EQ(asked.size(), 1u);
-    EXPECT_EQ(asked[0].text, L"Do you wish to overwrite\n\n@" + m_simulator->host() + L":/hosts");
+    EXPECT_EQ(asked[0].text, L"Do you wish to overwrite\n\n@" + m_instrument.sim().host() + L":/hosts");
     EXPECT_EQ(ReadWholeFile(InstrumentPath("hosts")), original);
 
     // Typed, OK, Yes: written back with line feeds only.
@@ -228,7 +228,7 @@ TEST_F(FileManagerTest, OpeningAFileEndsWithItsFullName) {
     dialog.OpenEntry(CVexaFileDlg::kRemotePane, RowOf(instrument, L"Default.mth"));
     EXPECT_TRUE(dialog.HasEnded());
     EXPECT_EQ(dialog.result(), IDOK);
-    EXPECT_EQ(dialog.GetSelectedFile(), L"@" + m_simulator->host() + L":/Method/Default.mth");
+    EXPECT_EQ(dialog.GetSelectedFile(), L"@" + m_instrument.sim().host() + L":/Method/Default.mth");
 }
 
 TEST_F(FileManagerTest, ReplayClosesTheDialogAndRunsTheFileAtTheChosenSpeed) {
@@ -242,8 +242,9 @@ TEST_F(FileManagerTest, ReplayClosesTheDialogAndRunsTheFileAtTheChosenSpeed) {
                           RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"run1.vxs"), ID_FILEMGR_REPLAY);
     EXPECT_TRUE(dialog.HasEnded());
     EXPECT_EQ(dialog.result(), IDCANCEL);
-    m_sensor->OnTimer(0);
-    EXPECT_EQ(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess(), L"\"/Data/run1.vxs\" -speed=15");
+    m_instrument.sensor()->OnTimer(0);
+    EXPECT_EQ(VexaDevice(m_instrument.sensor()->GetDevice(L"VEXA")).getActiveProcess(),
+              L"\"/Data/run1.vxs\" -speed=15");
 }
 
 TEST_F(FileManagerTest, CopiesBothWaysThroughTheWorker) {
@@ -282,8 +283,8 @@ TEST_F(FileManagerTest, CopiesBothWaysThroughTheWorker) {
     EXPECT_NE(asked.description.find(FromUtf8(PcPath("run1.vxs"))), std::wstring::npos);
 
     // A folder that exists is asked about as a folder to copy into.
-    m_temp.createDir("instrument/Data/batch");
-    m_temp.createFile("instrument/Data/batch/a.txt", "new");
+    m_instrument.tree().createDir("Data/batch");
+    m_instrument.tree().createFile("Data/batch/a.txt", "new");
     m_temp.createFile("pc/batch/a.txt", "old");
     dialog.RefreshLocalPane();
     dialog.RefreshRemotePane();
@@ -303,7 +304,7 @@ TEST_F(FileManagerTest, CopiesBothWaysThroughTheWorker) {
 }
 
 TEST_F(FileManagerTest, CancelMidwayFromTheInstrumentKeepsTheOldFile) {
-    m_temp.createFile("instrument/big.log", std::string(600 * 1024, 'n'));
+    m_instrument.tree().createFile("big.log", std::string(600 * 1024, 'n'));
     m_temp.createFile("pc/big.log", "old contents");
     StartInstrument({"--no-compress", "--fault", "trickle=0"});
     CVexaFileDlg& dialog = OpenDialog();
@@ -336,7 +337,7 @@ TEST_F(FileManagerTest, CancelMidwayToTheInstrumentKeepsTheOldFile) {
 // The instrument drops the link in the middle of the file: the copy stops, the progress window closes
 // and nothing half-copied is left on the PC.
 TEST_F(FileManagerTest, InstrumentDroppingDuringACopyEndsItCleanly) {
-    m_temp.createFile("instrument/big.log", std::string(600 * 1024, 'n'));
+    m_instrument.tree().createFile("big.log", std::string(600 * 1024, 'n'));
     StartInstrument({"--no-compress", "--fault", "drop-after-frames=6"});
     CVexaFileDlg& dialog = OpenDialog();
     ASSERT_NE(RowOf(dialog.View(CVexaFileDlg::kRemotePane), L"big.log"), -1);
@@ -370,7 +371,7 @@ TEST_F(FileManagerTest, SensorManageFilesOpensTheDialog) {
             objects = files.View(CVexaFileDlg::kRemotePane)->GetItemCount();
             return IDOK;
         });
-        EXPECT_EQ(m_sensor->ManageFiles(c.argument, 0, c.flags), L"");
+        EXPECT_EQ(m_instrument.sensor()->ManageFiles(c.argument, 0, c.flags), L"");
         EXPECT_EQ(title, c.title);
         EXPECT_EQ(flags, c.flags);
         EXPECT_GT(objects, 0);

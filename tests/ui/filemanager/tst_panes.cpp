@@ -66,7 +66,7 @@ TEST_F(FileManagerTest, StartUpShowsBothSidesWithCommandsDisabled) {
 
 TEST_F(FileManagerTest, UnreadableLocalFolderEndsTheDialogWithItsMessage) {
     StartInstrument();
-    m_dialog = std::make_unique<CVexaFileDlg>(*m_sensor);
+    m_dialog = std::make_unique<CVexaFileDlg>(*m_instrument.sensor());
     m_dialog->SetLocalStartFolder(L"/no/such/folder");
     EXPECT_EQ(m_dialog->DoModal(), IDCANCEL);
     const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
@@ -75,9 +75,9 @@ TEST_F(FileManagerTest, UnreadableLocalFolderEndsTheDialogWithItsMessage) {
 }
 
 TEST_F(FileManagerTest, OfflineInstrumentLeavesItsPaneEmptyWithoutAMessage) {
-    m_sensor =
+    const auto offline =
         SensorRef<VEXASensorObject>::Adopt(new VEXASensorObject(nullptr, ISensorAddress(L"127.0.0.1")));
-    CVexaFileDlg& dialog = OpenDialog();
+    CVexaFileDlg& dialog = OpenDialog(offline.get());
     EXPECT_FALSE(dialog.HasEnded());
     EXPECT_FALSE(dialog.IsInstrumentOnline());
     EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
@@ -177,7 +177,7 @@ TEST_F(FileManagerTest, OnlySubscribedNotificationsReadThePanesAgain) {
                           Case{kSensorEventOnline, true}}) {
         Select(instrument, {L"hosts"});
         dialog.UpdateButtons(CVexaFileDlg::kRemotePane, true);
-        m_sensor->RaiseEvent(c.code, L"note");
+        m_instrument.sensor()->RaiseEvent(c.code, L"note");
         QTest::qWait(50);
         EXPECT_EQ(instrument->GetSelectedCount(), c.readsAgain ? 0 : 1) << std::hex << c.code;
         EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_LOCAL)->isEnabled(), !c.readsAgain)
@@ -359,10 +359,10 @@ TEST_F(FileManagerTest, AltHShowsHiddenInstrumentEntriesWithLevelZero) {
 TEST_F(FileManagerTest, RunningMethodDisablesBothBackupButtons) {
     const std::string profile = m_temp.createFile("profile.json", R"({"methodSeconds": 60})");
     StartInstrument({"--profile", profile});
-    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    VexaDevice device(m_instrument.sensor()->GetDevice(L"VEXA"));
     ASSERT_TRUE(device.runMethod(L"\"/Method/Default.mth\"")) << device.getLastError();
-    m_sensor->OnTimer(0);
-    ASSERT_FALSE(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess().empty());
+    m_instrument.sensor()->OnTimer(0);
+    ASSERT_FALSE(VexaDevice(m_instrument.sensor()->GetDevice(L"VEXA")).getActiveProcess().empty());
     CVexaFileDlg& dialog = OpenDialog();
     EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP)->isEnabled());
     EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
@@ -383,8 +383,8 @@ TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
     StartInstrument();
     CVexaFileDlg& dialog = OpenDialog();
     ASSERT_GT(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
-    m_simulator->stop();
-    m_sensor->Disconnect(0);
+    m_instrument.sim().stop();
+    m_instrument.sensor()->Disconnect(0);
     ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
     EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
     EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");

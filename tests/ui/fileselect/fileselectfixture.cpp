@@ -1,7 +1,6 @@
 #include "fileselectfixture.h"
 
 #include "explorerctrl.h"
-#include "vexacommsensor.h"
 #include "vexafileselectdlg.h"
 #include "vexasensorobject.h"
 
@@ -9,16 +8,8 @@
 #include <QString>
 
 #include <cstdlib>
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 FileSelectTest::FileSelectTest() {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    if (!source)
-        throw std::runtime_error("VEXA_SOURCE_DIR is not set");
-    fs::copy(fs::path(source) / "tools/vexa-sim/demo", m_temp.file("instrument"),
-             fs::copy_options::recursive);
     m_temp.createDir("pc");
     SetAccess("0,1");
     SetVexaDialogLauncher(&m_launcher);
@@ -27,20 +18,16 @@ FileSelectTest::FileSelectTest() {
 FileSelectTest::~FileSelectTest() {
     m_dialog.reset();
     SetVexaDialogLauncher(nullptr);
-    if (m_sensor) {
-        m_sensor->Disconnect(0);
-        m_sensor->DecRef();
-    }
-    m_simulator.reset();
+    m_instrument.dropSensor();
+    m_instrument.stop();
     unsetenv("VEXA_ACCESS");
 }
 
 void FileSelectTest::StartInstrument(bool online) {
-    m_simulator = std::make_unique<SimulatorProcess>(m_temp.file("instrument"));
-    m_sensor = new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host()));
-    AttachVexaCommSensor(*m_sensor);
+    m_instrument.start();
+    m_instrument.makeSensor();
     if (online) {
-        ASSERT_TRUE(m_sensor->GoOnline()) << "the sensor did not go on line to " << m_simulator->address();
+        ASSERT_TRUE(m_instrument.goOnline()) << "the sensor did not go on line to " << m_instrument.address();
     }
 }
 
@@ -50,16 +37,13 @@ void FileSelectTest::SetAccess(const char* levels) {
 
 CVexaFileSelectDlg& FileSelectTest::OpenDialog(uint32_t flags, const std::wstring& initialPath,
                                                const std::wstring& filter) {
-    m_dialog = std::make_unique<CVexaFileSelectDlg>(*m_sensor, flags, filter, L"Select", initialPath);
+    m_dialog =
+        std::make_unique<CVexaFileSelectDlg>(*m_instrument.sensor(), flags, filter, L"Select", initialPath);
     m_dialog->SetDefaultFolders(PcFolder(), L"/Data");
     m_dialog->resize(700, 480);
     m_dialog->show();
     QApplication::processEvents();
     return *m_dialog;
-}
-
-std::wstring FileSelectTest::Remote(const std::wstring& path) const {
-    return L"@" + m_simulator->host() + L":" + path;
 }
 
 std::wstring FileSelectTest::Wide(const std::string& text) {

@@ -3,7 +3,7 @@
 // workstation folder, the module's dialog launcher, and the file selection dialog, shown (not modal) so
 // a case can drive it directly.
 #include "scriptedprompt.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
 #include "vexadialoglauncher.h"
 
@@ -31,11 +31,9 @@ protected:
     CVexaFileSelectDlg& OpenDialog(uint32_t flags, const std::wstring& initialPath,
                                    const std::wstring& filter = {});
     // An instrument name on the simulator: "@HOST:" + path.
-    std::wstring Remote(const std::wstring& path) const;
+    std::wstring Remote(const std::wstring& path) const { return m_instrument.remote(path); }
 
-    std::string InstrumentPath(const std::string& relative) const {
-        return m_temp.file("instrument/" + relative);
-    }
+    std::string InstrumentPath(const std::string& relative) const { return m_instrument.file(relative); }
     std::string PcPath(const std::string& relative) const { return m_temp.file("pc/" + relative); }
     std::wstring PcFolder() const { return Wide(m_temp.file("pc")); }
     static std::wstring Wide(const std::string& text);
@@ -47,9 +45,8 @@ protected:
         return QTest::qWaitFor(done, ms);
     }
 
-    TempDir m_temp;
-    std::unique_ptr<SimulatorProcess> m_simulator;
-    VEXASensorObject* m_sensor = nullptr;
+    SimulatedInstrument m_instrument{SimulatedInstrument::Tree::Demo};
+    TempDir m_temp; // the workstation's folder "pc"
     ScriptedPrompt m_prompt;
     CVexaDialogLauncher m_launcher;
     std::unique_ptr<CVexaFileSelectDlg> m_dialog;

@@ -83,10 +83,8 @@ TEST_F(FileSelectTest, FlagsChooseTheRadiosOnAndOffLine) {
             EXPECT_EQ(drives->IsInstrumentSelected(), row.instrumentChecked);
         }
         m_dialog.reset();
-        m_sensor->Disconnect(0);
-        m_sensor->DecRef();
-        m_sensor = nullptr;
-        m_simulator.reset();
+        m_instrument.dropSensor();
+        m_instrument.stop();
     }
 }
 
@@ -139,7 +137,7 @@ TEST_F(FileSelectTest, TheFilterAndTheTildeFlagDecideWhatIsListed) {
 TEST_F(FileSelectTest, UnreadableStartFoldersCancelAfterAMessage) {
     StartInstrument();
     const std::wstring missing = Wide(PcPath("missing/x.mth"));
-    EXPECT_EQ(m_sensor->SelectFile(1, missing, 0x40, L"", L"", L""), L"Cancel");
+    EXPECT_EQ(m_instrument.sensor()->SelectFile(1, missing, 0x40, L"", L"", L""), L"Cancel");
     ASSERT_EQ(Messages().size(), 1u);
     EXPECT_EQ(Messages()[0].rfind(L"Unable to open local folder " + Wide(PcPath("missing")), 0), 0u)
         << QString::fromStdWString(Messages()[0]).toStdString();
@@ -149,8 +147,8 @@ TEST_F(FileSelectTest, UnreadableStartFoldersCancelAfterAMessage) {
 
     // An instrument whose listing fails even at "/" (it stopped answering).
     m_prompt.ClearAsked();
-    m_simulator->stop();
-    EXPECT_EQ(m_sensor->SelectFile(1, Remote(L"/Method/x.mth"), 0x40, L"", L"", L""), L"Cancel");
+    m_instrument.sim().stop();
+    EXPECT_EQ(m_instrument.sensor()->SelectFile(1, Remote(L"/Method/x.mth"), 0x40, L"", L"", L""), L"Cancel");
     ASSERT_EQ(Messages().size(), 1u);
     EXPECT_EQ(Messages()[0].rfind(L"Unable to open remote folder " + Remote(L"/Method"), 0), 0u)
         << QString::fromStdWString(Messages()[0]).toStdString();

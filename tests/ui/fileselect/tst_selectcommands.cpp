@@ -39,22 +39,22 @@ TEST_F(FileSelectTest, SelectFileReturnsTheChosenNameOrTheCancelValue) {
                                std::filesystem::path(InstrumentPath("Method/")) /
                                    std::filesystem::path(QString::fromStdWString(odd).toStdString()));
     m_prompt.QueueDialog(Choose(L"Default.mth"));
-    EXPECT_EQ(m_sensor->SelectFileForKind(1, Remote(L"/Method/"), 0, L"Open Method"),
+    EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(1, Remote(L"/Method/"), 0, L"Open Method"),
               Remote(L"/Method/Default.mth"));
     m_prompt.QueueDialog(Choose(odd));
-    EXPECT_EQ(m_sensor->SelectFileForKind(1, Remote(L"/Method/"), 0), Remote(L"/Method/" + odd));
+    EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(1, Remote(L"/Method/"), 0), Remote(L"/Method/" + odd));
     ASSERT_EQ(m_prompt.Asked(ScriptedPrompt::Kind::Dialog).size(), 2u);
     EXPECT_EQ(m_prompt.Asked(ScriptedPrompt::Kind::Dialog)[0].templateId, IDD_VEXA_FILE_SELECT);
     EXPECT_EQ(m_prompt.Asked(ScriptedPrompt::Kind::Dialog)[0].text, L"Open Method");
 
     // The PC side: the kind's own workstation folder, made on first use.
     std::wstring pcFolder;
-    m_sensor->GetFolderInfo(2, &pcFolder, nullptr, nullptr, nullptr);
+    m_instrument.sensor()->GetFolderInfo(2, &pcFolder, nullptr, nullptr, nullptr);
     std::filesystem::create_directories(QString::fromStdWString(pcFolder).toStdString());
     std::filesystem::copy_file(InstrumentPath("Tune/Default.tun"),
                                QString::fromStdWString(pcFolder).toStdString() + "/Local.tun");
     m_prompt.QueueDialog(Choose(L"Local.tun"));
-    EXPECT_EQ(m_sensor->SelectFileForKind(2, L"", 0), pcFolder + L"/Local.tun");
+    EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(2, L"", 0), pcFolder + L"/Local.tun");
 
     // A full name typed on either side is taken as it stands.
     struct Typed {
@@ -67,12 +67,12 @@ TEST_F(FileSelectTest, SelectFileReturnsTheChosenNameOrTheCancelValue) {
             dialog.SetDlgItemText(IDC_SELECT_FILE_NAME, typed.typed);
             return IDOK;
         });
-        EXPECT_EQ(m_sensor->SelectFileForKind(1, typed.start, 0), typed.chosen);
+        EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(1, typed.start, 0), typed.chosen);
     }
 
     for (uint32_t flags : {0x40u, 0x0u}) {
         m_prompt.QueueDialog([](CDialog_&) { return IDCANCEL; });
-        EXPECT_EQ(m_sensor->SelectFileForKind(1, L"", flags), flags ? L"Cancel" : L"");
+        EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(1, L"", flags), flags ? L"Cancel" : L"");
     }
 }
 
@@ -106,7 +106,7 @@ TEST_F(FileSelectTest, ABurstOfSelectionChangesUpdatesTheNameOnce) {
 
 TEST_F(FileSelectTest, SaveModeRefusesAnEmptyNameAndAsksBeforeReplacing) {
     StartInstrument();
-    const std::wstring host = m_simulator->host();
+    const std::wstring host = m_instrument.sim().host();
     CVexaFileSelectDlg& dialog = OpenDialog(0x1, Remote(L"/Method/"));
     for (const wchar_t* empty : {L"", L".mth"}) {
         dialog.SetDlgItemText(IDC_SELECT_FILE_NAME, empty);
@@ -180,10 +180,11 @@ TEST_F(FileSelectTest, LongInstrumentPathsRoundTrip) {
     const std::string name = std::string(1023 - path.size() - 1, 'f');
     ASSERT_EQ(path.size() + 1 + name.size(), 1023u);
     std::filesystem::create_directories(InstrumentPath(path.substr(1)));
-    m_temp.createFile("instrument" + path + "/" + name, "x");
+    m_instrument.tree().createFile(path.substr(1) + "/" + name, "x");
     const std::wstring folder = Wide(path);
     m_prompt.QueueDialog(Choose(Wide(name)));
-    EXPECT_EQ(m_sensor->SelectFileForKind(0, Remote(folder + L"/"), 0), Remote(folder + L"/" + Wide(name)));
+    EXPECT_EQ(m_instrument.sensor()->SelectFileForKind(0, Remote(folder + L"/"), 0),
+              Remote(folder + L"/" + Wide(name)));
 }
 
 TEST_F(FileSelectTest, AltHListsEveryInstrumentEntryOnlyWithLevelOne) {
@@ -211,7 +212,7 @@ TEST_F(FileSelectTest, AnInstrumentThatGoesAwayLeavesThePcSideUsable) {
     m_temp.createFile("pc/local.vxs", "x");
     CVexaFileSelectDlg& dialog = OpenDialog(0, Remote(L"/Data/"));
     ASSERT_EQ(dialog.CheckedSide(), CVexaFileSelectDlg::kInstrumentSide);
-    m_simulator->stop();
+    m_instrument.sim().stop();
     dialog.OpenEntry(-1); // nothing happens without a row
     ASSERT_TRUE(dialog.PressButton(IDC_SELECT_UP));
     ASSERT_EQ(Messages().size(), 1u);
@@ -245,7 +246,7 @@ TEST_F(FileSelectTest, ManageFilesHandsBackItsChosenFile) {
 
     // Closed without a file: both sides are read again and the dialog stays.
     CVexaFileSelectDlg& again = OpenDialog(0, Remote(L"/Data/"));
-    m_temp.createFile("instrument/Data/run9.vxs", "x");
+    m_instrument.tree().createFile("Data/run9.vxs", "x");
     m_prompt.QueueDialog([](CDialog_&) { return IDCANCEL; });
     ASSERT_TRUE(again.PressButton(IDC_SELECT_MANAGE_FILES));
     EXPECT_FALSE(again.HasEnded());

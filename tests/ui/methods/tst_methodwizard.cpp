@@ -1,5 +1,6 @@
 // The method editor: an edit saved and read back, Save As through the chooser, validation that keeps
 // bad methods off the disk, the modes, and the question before unsaved changes are dropped.
+#include "demotree.h"
 #include "editabletable.h"
 #include "methodresource.h"
 #include "scriptedprompt.h"
@@ -20,11 +21,6 @@
 
 namespace {
 
-std::string DemoMethod(const char* name) {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/tools/vexa-sim/demo/Method/" + name;
-}
-
 VexaMethod Load(const std::wstring& name) {
     VexaFileRef file;
     EXPECT_TRUE(file.Open(name)) << ToUtf8(file.GetLastErrorText());
@@ -35,7 +31,7 @@ class MethodWizardTest : public ::testing::Test {
 protected:
     void SetUp() override {
         m_path = FromUtf8(m_dir.file("Default.mth"));
-        std::filesystem::copy_file(DemoMethod("Default.mth"), m_dir.file("Default.mth"));
+        std::filesystem::copy_file(DemoTreePath("Method/Default.mth"), m_dir.file("Default.mth"));
     }
     // An open, initialised editor on the copied demo method.
     std::unique_ptr<CVexaMethodWizard> Open(VexaWizardMode mode = kWizardExpert) {

@@ -2,6 +2,7 @@
 // Data Review and Manage Files (a method opens in the editor, a data file's method on request).
 #include "studiofixture.h"
 
+#include "demotree.h"
 #include "hostresource.h"
 #include "methodresource.h"
 #include "scriptedprompt.h"
@@ -59,7 +60,7 @@ TEST_F(StudioTest, ReviewedFilesGoToTheMethodEditors) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
     ISensorInfo* type = window.Tools()->SensorType();
     ASSERT_NE(type, nullptr);
-    const std::string demo = CopyOfDemoTree();
+    const std::string demo = CopyDemoTree(m_temp.file("demo"));
     std::wstring opened;
     ScriptedPrompt prompt;
     const auto recordWizard = [&opened](CDialog_& dialog) {
@@ -91,7 +92,7 @@ TEST_F(StudioTest, ReviewedFilesGoToTheMethodEditors) {
 
 TEST_F(StudioTest, AMethodWithoutAccessLevelOneDoesNotOpen) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
-    const std::string demo = CopyOfDemoTree();
+    const std::string demo = CopyDemoTree(m_temp.file("demo"));
     qputenv("VEXA_ACCESS", "0");
     ScriptedPrompt prompt;
     ToolRunner::ReviewFile(*window.Tools()->SensorType(), FromUtf8(demo + "/Method/Default.mth"));

@@ -1,6 +1,7 @@
 // What each of the sensor type's tools does in the studio.
 #include "studiofixture.h"
 
+#include "demotree.h"
 #include "dialog.h"
 #include "logpane.h"
 #include "loopback.h"
@@ -53,7 +54,7 @@ TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
 }
 
 TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
-    SimulatorProcess simulator(CopyOfDemoTree());
+    SimulatorProcess simulator(CopyDemoTree(m_temp.file("demo")));
     const QString address = QString::fromStdString(simulator.address());
     StudioWindow& window = StartStudio(BuiltPluginDir(), {address});
     ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
@@ -150,7 +151,7 @@ TEST_F(StudioTest, TuneNeedsAnInstrumentOnLine) {
 }
 
 TEST_F(StudioTest, TuneToolTunesTheInstrumentThenShowsItsReports) {
-    const std::string tree = CopyOfDemoTree();
+    const std::string tree = CopyDemoTree(m_temp.file("demo"));
     const std::string reportFile = tree + "/Tune/Reports/Default.rpt";
     const auto reports = [&] { return QString::fromStdString(ReadWholeFile(reportFile)).count("\"time\""); };
     const int before = reports();

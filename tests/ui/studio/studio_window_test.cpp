@@ -2,6 +2,7 @@
 // status sections, an instrument that cannot be reached, and a plug-in folder without modules.
 #include "studiofixture.h"
 
+#include "demotree.h"
 #include "hostresource.h"
 #include "instrumentlistmodel.h"
 #include "instrumentstore.h"
@@ -61,7 +62,7 @@ TEST_F(StudioTest, ListsTheModulesTenToolsWithKeys) {
 }
 
 TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
-    SimulatorProcess simulator(CopyOfDemoTree());
+    SimulatorProcess simulator(CopyDemoTree(m_temp.file("demo")));
     const QString address = QString::fromStdString(simulator.address());
     StudioWindow& window = StartStudio(BuiltPluginDir(), {address});
 

@@ -4,9 +4,6 @@
 #include "managedinstrument.h"
 #include "sensormanager.h"
 
-#include <cstdlib>
-#include <filesystem>
-
 StudioTest::StudioTest() : m_registry(m_temp.file("studio.ini")) {}
 
 StudioTest::~StudioTest() {
@@ -17,15 +14,6 @@ StudioTest::~StudioTest() {
 
 QString StudioTest::BuiltPluginDir() {
     return QStringLiteral(VEXA_PLUGIN_DIR);
-}
-
-std::string StudioTest::CopyOfDemoTree() {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    EXPECT_NE(source, nullptr) << "VEXA_SOURCE_DIR is not set";
-    const std::string target = m_temp.createDir("demo");
-    std::filesystem::copy(std::string(source ? source : ".") + "/tools/vexa-sim/demo", target,
-                          std::filesystem::copy_options::recursive);
-    return target;
 }
 
 StudioWindow& StudioTest::StartStudio(const QString& pluginDir, const QStringList& instruments) {

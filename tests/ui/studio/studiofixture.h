@@ -21,8 +21,6 @@ protected:
 
     // The build's plug-in folder holding VexaSens.sdll.
     static QString BuiltPluginDir();
-    // A copy of the simulator's demo tree (the simulator may change what it serves).
-    std::string CopyOfDemoTree();
 
     // Makes, shows and starts the window.
     StudioWindow& StartStudio(const QString& pluginDir, const QStringList& instruments = {});

@@ -2,11 +2,10 @@
 // channel, read, pruned and saved over the link, and a save that fails when the instrument is gone.
 #include "resource.h"
 #include "scriptedprompt.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "stringtable.h"
 #include "tempdir.h"
 #include "tunereportsdlg.h"
-#include "vexacommsensor.h"
 #include "vexadevice.h"
 #include "vexasensorobject.h"
 #include "vexatunereport.h"
@@ -15,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 
 namespace {
 
@@ -24,34 +22,27 @@ protected:
     TuneReportsOnInstrumentTest() {
         RegisterVexaStrings();
         setenv("VEXA_ACCESS", "0,1", 1);
-        std::filesystem::copy(std::filesystem::path(std::getenv("VEXA_SOURCE_DIR")) / "tools/vexa-sim/demo",
-                              m_temp.file("instrument"), std::filesystem::copy_options::recursive);
-        m_simulator = std::make_unique<SimulatorProcess>(m_temp.file("instrument"));
-        m_sensor = new VEXASensorObject(nullptr, ISensorAddress(m_simulator->host()));
-        AttachVexaCommSensor(*m_sensor);
-        m_online = m_sensor->GoOnline();
+        m_instrument.start();
+        m_online = m_instrument.goOnline();
     }
     ~TuneReportsOnInstrumentTest() override {
-        m_sensor->Disconnect(0);
-        m_sensor->DecRef();
-        m_simulator.reset();
+        m_instrument.dropSensor();
+        m_instrument.stop();
         unsetenv("VEXA_ACCESS");
     }
     int ReportsOnInstrument() const {
         VexaTuneReport report;
-        if (!report.Parse(ReadWholeFile(m_temp.file("instrument/Tune/Reports/Default.rpt"))))
+        if (!report.Parse(ReadWholeFile(m_instrument.file("Tune/Reports/Default.rpt"))))
             return -1;
         return report.Sections().GetNumReports();
     }
-    std::wstring RemoteTuneFile() const { return L"@" + m_simulator->host() + L":/Tune/Default.tun"; }
+    std::wstring RemoteTuneFile() const { return m_instrument.remote(L"/Tune/Default.tun"); }
     static QListWidget* List(CDialog_& dialog) {
         return qobject_cast<QListWidget*>(dialog.GetDlgItem(IDC_TUNE_REPORT_LIST));
     }
 
     PXResourceScope m_strings{VexaResourceModule()};
-    TempDir m_temp;
-    std::unique_ptr<SimulatorProcess> m_simulator;
-    VEXASensorObject* m_sensor = nullptr;
+    SimulatedInstrument m_instrument{SimulatedInstrument::Tree::Demo};
     bool m_online = false;
     ScriptedPrompt m_prompt;
 };
@@ -62,13 +53,13 @@ TEST_F(TuneReportsOnInstrumentTest, TuneThenReadAndPruneTheReportsOverTheLink) {
     ASSERT_TRUE(m_online);
     const int shipped = ReportsOnInstrument();
     ASSERT_GT(shipped, 10);
-    VexaDevice device(m_sensor->GetDevice(L"VEXA"));
+    VexaDevice device(m_instrument.sensor()->GetDevice(L"VEXA"));
     ASSERT_TRUE(device.runTune()) << device.getLastError();
     ASSERT_EQ(ReportsOnInstrument(), shipped + 1);
 
-    CTuneReportsDlg dialog(m_sensor, RemoteTuneFile());
+    CTuneReportsDlg dialog(m_instrument.sensor(), RemoteTuneFile());
     dialog.show();
-    EXPECT_EQ(dialog.ReportFileName(), L"@" + m_simulator->host() + L":/Tune/Reports/Default.rpt");
+    EXPECT_EQ(dialog.ReportFileName(), L"@" + m_instrument.host() + L":/Tune/Reports/Default.rpt");
     ASSERT_EQ(List(dialog)->count(), shipped + 1);
     EXPECT_TRUE(m_prompt.Asked().empty());
 
@@ -86,16 +77,16 @@ TEST_F(TuneReportsOnInstrumentTest, TuneThenReadAndPruneTheReportsOverTheLink) {
 
 TEST_F(TuneReportsOnInstrumentTest, SaveWithTheInstrumentGoneKeepsTheFileAndSaysWhy) {
     ASSERT_TRUE(m_online);
-    const std::string before = ReadWholeFile(m_temp.file("instrument/Tune/Reports/Default.rpt"));
-    CTuneReportsDlg dialog(m_sensor, RemoteTuneFile());
+    const std::string before = ReadWholeFile(m_instrument.file("Tune/Reports/Default.rpt"));
+    CTuneReportsDlg dialog(m_instrument.sensor(), RemoteTuneFile());
     dialog.show();
     const int listed = List(dialog)->count();
     ASSERT_GT(listed, 10);
-    m_simulator->stop();
+    m_instrument.sim().stop();
     ASSERT_TRUE(dialog.PressButton(IDC_TUNE_REMOVE_REPORT));
     const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
     ASSERT_GE(messages.size(), 1u);
     EXPECT_NE(messages[0].text.find(L"report file is unchanged"), std::wstring::npos);
     EXPECT_NE(messages[0].text.find(L"error"), std::wstring::npos);
-    EXPECT_EQ(ReadWholeFile(m_temp.file("instrument/Tune/Reports/Default.rpt")), before);
+    EXPECT_EQ(ReadWholeFile(m_instrument.file("Tune/Reports/Default.rpt")), before);
 }

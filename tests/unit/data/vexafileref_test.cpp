@@ -5,6 +5,7 @@
 #include "vexamethod.h"
 #include "vexamethodsequence.h"
 
+#include "demotree.h"
 #include "tempdir.h"
 #include "text.h"
 
@@ -17,11 +18,6 @@ namespace {
 
 std::wstring W(const std::string& s) {
     return FromUtf8(s);
-}
-
-std::string DemoFile(const std::string& relative) {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/tools/vexa-sim/demo/" + relative;
 }
 
 // A data file of `scans` zero scans followed by `tail`.
@@ -117,16 +113,16 @@ TEST(VexaFileRefData, DemoFilesNameTheirMethodsAndTheMethodsAreValid) {
                                                            {"Data/Survey001.vxz", L"/Method/Survey.mth"}};
     for (const auto& [file, method] : data) {
         VexaFileRef ref;
-        ASSERT_TRUE(ref.Open(W(DemoFile(file)))) << file << ": " << ToUtf8(ref.GetLastErrorText());
+        ASSERT_TRUE(ref.Open(W(DemoTreePath(file)))) << file << ": " << ToUtf8(ref.GetLastErrorText());
         EXPECT_EQ(ref.GetParameter(VexaFileRef::kSensorParameter), method) << file;
         VexaFileRef named;
-        ASSERT_TRUE(named.Open(W(DemoFile(ToUtf8(method).substr(1)))));
+        ASSERT_TRUE(named.Open(W(DemoTreePath(ToUtf8(method).substr(1)))));
         const VexaMethod loaded(named);
         EXPECT_TRUE(loaded.IsValid()) << ToUtf8(loaded.GetInvalidReason());
         EXPECT_TRUE(loaded.CheckSettings().empty()) << file;
     }
     VexaFileRef sequence;
-    ASSERT_TRUE(sequence.Open(W(DemoFile("Method/Site.xmth"))));
+    ASSERT_TRUE(sequence.Open(W(DemoTreePath("Method/Site.xmth"))));
     EXPECT_TRUE(VexaMethodSequence(sequence).IsValid());
     EXPECT_TRUE(VexaMethodSequence(sequence).CheckSettings().empty());
 }

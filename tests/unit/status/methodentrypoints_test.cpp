@@ -1,5 +1,6 @@
 // The sensor type's file entry points: which editor opens for which file, the access level, unreadable
 // methods, and the method that a data file names.
+#include "demotree.h"
 #include "recordingtoolui.h"
 #include "registry.h"
 #include "stringtable.h"
@@ -19,11 +20,6 @@ std::wstring W(const std::string& s) {
     return FromUtf8(s);
 }
 
-std::string DemoFile(const std::string& relative) {
-    const char* source = std::getenv("VEXA_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/tools/vexa-sim/demo/" + relative;
-}
-
 class MethodEntryPoints : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -35,7 +31,7 @@ protected:
         std::filesystem::create_directories(m_dir.file("Sensor/Data"));
         for (const char* name :
              {"Method/Default.mth", "Method/Survey.mth", "Method/Site.xmth", "Data/run1.vxs"})
-            std::filesystem::copy_file(DemoFile(name), m_dir.file(std::string("Sensor/") + name));
+            std::filesystem::copy_file(DemoTreePath(name), m_dir.file(std::string("Sensor/") + name));
     }
     std::wstring Path(const std::string& relative) const { return W(m_dir.file("Sensor/" + relative)); }
 
@@ -122,7 +118,7 @@ TEST_F(MethodEntryPoints, EditMethodOfFileOpensTheMethodTheDataFileNames) {
     EXPECT_EQ(m_ui.editedMethods[0].fileName, Path("Method/Default.mth"));
 
     // A data file without the parameter, and one that names a method that is nowhere.
-    const std::string bare = ReadWholeFile(DemoFile("Data/run2.vxs"));
+    const std::string bare = ReadWholeFile(DemoTreePath("Data/run2.vxs"));
     m_dir.createFile("Sensor/Data/bare.vxs", bare.substr(0, bare.find("PARM")));
     m_dir.createFile("Sensor/Data/lost.vxs",
                      bare.substr(0, bare.find("PARM")) +
