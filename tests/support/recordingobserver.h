@@ -12,19 +12,19 @@ public:
         std::lock_guard lock(m_mutex);
         m_events.push_back(event);
     }
-    std::vector<ISensorEvent> Events() const {
+    std::vector<ISensorEvent> events() const {
         std::lock_guard lock(m_mutex);
         return m_events;
     }
-    std::vector<uint32_t> Codes() const {
+    std::vector<uint32_t> codes() const {
         std::vector<uint32_t> codes;
-        for (const ISensorEvent& event : Events())
+        for (const ISensorEvent& event : events())
             codes.push_back(event.code);
         return codes;
     }
     // Whether an event with `code` arrived; its text goes to `text`.
-    bool Has(uint32_t code, std::wstring* text = nullptr) const {
-        for (const ISensorEvent& event : Events()) {
+    bool has(uint32_t code, std::wstring* text = nullptr) const {
+        for (const ISensorEvent& event : events()) {
             if (event.code == code) {
                 if (text)
                     *text = event.text;

@@ -178,21 +178,21 @@ void ScriptedInstrument::Serve(int socket) {
     }
 }
 
-std::vector<PeerFrame> ScriptedInstrument::Frames() const {
+std::vector<PeerFrame> ScriptedInstrument::frames() const {
     std::lock_guard lock(m_mutex);
     return m_frames;
 }
 
-size_t ScriptedInstrument::FrameCount() const {
+size_t ScriptedInstrument::frameCount() const {
     std::lock_guard lock(m_mutex);
     return m_frames.size();
 }
 
-bool ScriptedInstrument::WaitForFrames(size_t count, int timeoutMs) const {
+bool ScriptedInstrument::waitForFrames(size_t count, int timeoutMs) const {
     for (int waited = 0; waited < timeoutMs; waited += 5) {
-        if (FrameCount() >= count)
+        if (frameCount() >= count)
             return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    return FrameCount() >= count;
+    return frameCount() >= count;
 }

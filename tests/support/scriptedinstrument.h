@@ -63,10 +63,10 @@ public:
     ~ScriptedInstrument();
 
     std::wstring host() const { return m_peer.host(); }
-    std::vector<PeerFrame> Frames() const;
-    size_t FrameCount() const;
+    std::vector<PeerFrame> frames() const;
+    size_t frameCount() const;
     // Waits (bounded) until at least `count` frames arrived.
-    bool WaitForFrames(size_t count, int timeoutMs = 5000) const;
+    bool waitForFrames(size_t count, int timeoutMs = 5000) const;
 
 private:
     void Serve(int socket);

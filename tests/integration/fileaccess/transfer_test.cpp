@@ -194,7 +194,7 @@ TEST(SimTransfer, ClosingEarlyInALargeReadReopensTheLinkQuietly) {
     huge.Close();
 
     EXPECT_TRUE(instrument.online());
-    EXPECT_TRUE(observer.Codes().empty()) << "observers saw the link change";
+    EXPECT_TRUE(observer.codes().empty()) << "observers saw the link change";
     StdioFile next;
     ASSERT_TRUE(next.Open(instrument.remote(L"/Data/small.bin"), L"rb"));
     std::string back(small.size() + 1, '\0');

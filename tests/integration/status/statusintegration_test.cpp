@@ -119,7 +119,7 @@ TEST_F(SimulatedSensor, MethodRunsAndItsEndReachesAnObserver) {
     EXPECT_EQ(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess(), L"\"/Data/run1.vxs\" -speed=2");
 
     std::wstring text;
-    ASSERT_TRUE(PollUntil([&] { return observer.Has(1048882, &text); }, 10000));
+    ASSERT_TRUE(PollUntil([&] { return observer.has(1048882, &text); }, 10000));
     EXPECT_EQ(text, L"method finished");
     EXPECT_EQ(VexaDevice(m_sensor->GetDevice(L"VEXA")).getActiveProcess(), L"");
 
@@ -135,7 +135,7 @@ TEST_F(SimulatedSensor, LostInstrumentTakesTheSensorOffLine) {
     ASSERT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
     m_instrument.stop();
     ASSERT_TRUE(PollUntil([&] { return !m_sensor->IsOnline(false); }, 15000));
-    EXPECT_TRUE(observer.Has(kSensorEventOffline));
+    EXPECT_TRUE(observer.has(kSensorEventOffline));
     EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
     EXPECT_EQ(m_sensor->GetStatusValue(0, 0), L"Not Available");
     observer.SetSensor(nullptr);

@@ -43,10 +43,10 @@ TEST(StdioFactory, ChoosesTheBackEndByName) {
     // A name at the root and one without a folder travel as such.
     for (const auto& [path, sentAs] : {std::pair<std::wstring, std::string>{L"x.mth", "\"x.mth\""},
                                        std::pair<std::wstring, std::string>{L"/y.mth", "\"/y.mth\""}}) {
-        const size_t before = instrument.FrameCount();
+        const size_t before = instrument.frameCount();
         std::unique_ptr<StdioFileImpl>(factory.Create(Remote(instrument.host(), path), L"r")).reset();
-        ASSERT_TRUE(instrument.WaitForFrames(before + 1));
-        EXPECT_EQ(instrument.Frames().back().firstArgument(), sentAs);
+        ASSERT_TRUE(instrument.waitForFrames(before + 1));
+        EXPECT_EQ(instrument.frames().back().firstArgument(), sentAs);
     }
 
     // A bad mode on a connected instrument is the link's answer too, not a reason for FTP.

@@ -86,7 +86,7 @@ TEST(LinkFileRead, SendsTheRequestAndStreamsEveryFrame) {
     EXPECT_EQ(file->Tell(), -1);
     EXPECT_STREQ(file->TransportName(), L"link");
 
-    auto frames = instrument.Frames();
+    auto frames = instrument.frames();
     ASSERT_EQ(frames.size(), 1u);
     EXPECT_EQ(frames[0].bytes(), ExpectedRequest(3, 0, id, "\"/data/x.mth\""));
 }
@@ -122,11 +122,11 @@ TEST(LinkFileRead, PathLimitsAndHostPrefix) {
         EXPECT_EQ(file->GetError(), c.error);
         file.reset();
         if (c.error == 0) {
-            ASSERT_TRUE(instrument.WaitForFrames(++sent));
-            EXPECT_EQ(instrument.Frames().back().firstArgument(), c.field);
+            ASSERT_TRUE(instrument.waitForFrames(++sent));
+            EXPECT_EQ(instrument.frames().back().firstArgument(), c.field);
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        EXPECT_EQ(instrument.FrameCount(), sent) << "a refused path sends nothing";
+        EXPECT_EQ(instrument.frameCount(), sent) << "a refused path sends nothing";
     }
 }
 
@@ -153,17 +153,17 @@ TEST(LinkFileOpen, ModeTable) {
         if (c.error == 0) {
             EXPECT_EQ(file->IsTextMode(), c.text);
             EXPECT_EQ(file->IsCompressedMode(), c.compressed);
-            ASSERT_TRUE(instrument.WaitForFrames(++sent));
-            const PeerFrame request = instrument.Frames().back();
+            ASSERT_TRUE(instrument.waitForFrames(++sent));
+            const PeerFrame request = instrument.frames().back();
             EXPECT_EQ(request.command(), c.writing ? 2u : 3u);
             EXPECT_EQ(request.flags(), c.writing ? 0x0010 : 0);
             if (c.writing)
                 ++sent; // the empty last data frame at close
         }
         file.reset();
-        ASSERT_TRUE(instrument.WaitForFrames(sent));
+        ASSERT_TRUE(instrument.waitForFrames(sent));
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        EXPECT_EQ(instrument.FrameCount(), sent);
+        EXPECT_EQ(instrument.frameCount(), sent);
     }
 }
 
@@ -204,19 +204,19 @@ TEST(LinkFileWrite, FrameBoundaries) {
         auto file = std::make_unique<VXSStdioFileImpl>(instrument.host(), L"/d/out.bin", L"wb");
         ASSERT_EQ(file->GetError(), 0);
         const uint32_t id = file->TransferId();
-        ASSERT_TRUE(instrument.WaitForFrames(++seen));
-        EXPECT_EQ(instrument.Frames().back().bytes(), ExpectedRequest(2, 0x0010, id, "\"/d/out.bin\""));
+        ASSERT_TRUE(instrument.waitForFrames(++seen));
+        EXPECT_EQ(instrument.frames().back().bytes(), ExpectedRequest(2, 0x0010, id, "\"/d/out.bin\""));
         size_t offset = 0;
         for (size_t i = 0; i < c.writes.size(); ++i) {
             EXPECT_EQ(file->Write(data.data() + offset, c.writes[i]), c.writes[i]);
             offset += size_t(c.writes[i]);
-            ASSERT_TRUE(instrument.WaitForFrames(seen + c.framesBeforeClose[i]));
+            ASSERT_TRUE(instrument.waitForFrames(seen + c.framesBeforeClose[i]));
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
-            EXPECT_EQ(instrument.FrameCount(), seen + c.framesBeforeClose[i]) << "after write " << i;
+            EXPECT_EQ(instrument.frameCount(), seen + c.framesBeforeClose[i]) << "after write " << i;
         }
         file.reset();
-        ASSERT_TRUE(instrument.WaitForFrames(seen + c.frames.size()));
-        auto frames = instrument.Frames();
+        ASSERT_TRUE(instrument.waitForFrames(seen + c.frames.size()));
+        auto frames = instrument.frames();
         size_t start = 0;
         for (size_t i = 0; i < c.frames.size(); ++i) {
             const PeerFrame& f = frames[seen + i];
@@ -253,8 +253,8 @@ TEST(LinkFileWrite, RefusesBadArgumentsAndTheWrongDirection) {
     EXPECT_EQ(reader->Read(&byte, -1), -1);
     EXPECT_EQ(reader->GetError(), kErrInvalid);
     reader.reset();
-    ASSERT_TRUE(instrument.WaitForFrames(3));
-    EXPECT_EQ(instrument.Frames()[1].payload, ToBytes("\xC3\xA9\n"));
+    ASSERT_TRUE(instrument.waitForFrames(3));
+    EXPECT_EQ(instrument.frames()[1].payload, ToBytes("\xC3\xA9\n"));
 }
 
 TEST(LinkFileRead, HowFramesAreTaken) {

@@ -109,7 +109,7 @@ TEST(LinkListing, RequestBytesAndEntryFields) {
     EXPECT_EQ(VXSFileInfoImpl::PeekNextRequestId(), id + 2);
     EXPECT_EQ(VXSStdioFileImpl::PeekNextTransferId(), transfer) << "request ids have their own counter";
 
-    auto frames = linked.instrument.Frames();
+    auto frames = linked.instrument.frames();
     ASSERT_EQ(frames.size(), 2u);
     EXPECT_EQ(frames[0].bytes(), ExpectedRequest(1, 0x0100, id, "\"/data\""));
     EXPECT_EQ(frames[1].bytes(), ExpectedRequest(1, 0x0101, id + 1, "\"/data\""));
@@ -147,7 +147,7 @@ TEST(LinkListing, Failures) {
             EXPECT_EQ(linked.impl->GetError(), kErrInvalid);
         }
         EXPECT_TRUE(linked.impl->ReadSensorDir(L"/" + std::wstring(1022, L'x'), entries, L"", 0));
-        EXPECT_EQ(linked.instrument.FrameCount(), 1u);
+        EXPECT_EQ(linked.instrument.frameCount(), 1u);
     }
     {
         SCOPED_TRACE("an oversized frame fails with 34");
@@ -215,8 +215,8 @@ TEST(LinkFolderCommands, RequestsAndStatusReplies) {
             if (answer != 0) {
                 EXPECT_EQ(impl.GetErrorText(), L"instrument status 17: " + std::wstring(3000, L'm'));
             }
-            ASSERT_TRUE(linked.instrument.WaitForFrames(++sent));
-            EXPECT_EQ(linked.instrument.Frames().back().bytes(),
+            ASSERT_TRUE(linked.instrument.waitForFrames(++sent));
+            EXPECT_EQ(linked.instrument.frames().back().bytes(),
                       ExpectedRequest(c.command, c.flags, id, c.first, c.second));
         }
     }
@@ -227,7 +227,7 @@ TEST(LinkFolderCommands, RequestsAndStatusReplies) {
     EXPECT_FALSE(impl.RmDir(L"", true));
     EXPECT_FALSE(impl.Delete(L""));
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    EXPECT_EQ(linked.instrument.FrameCount(), sent);
+    EXPECT_EQ(linked.instrument.frameCount(), sent);
 }
 
 TEST(LinkFolderCommands, RunCommandSendsSecondsAndReturnsTheFirstFrame) {
@@ -241,12 +241,12 @@ TEST(LinkFolderCommands, RunCommandSendsSecondsAndReturnsTheFirstFrame) {
     std::wstring output = L"old";
     EXPECT_TRUE(linked.impl->RunCommand(L"status", output, 30000000));
     EXPECT_EQ(output, L"model=V2\n\u00e9");
-    ASSERT_TRUE(linked.instrument.WaitForFrames(1));
-    EXPECT_EQ(linked.instrument.Frames()[0].bytes(), ExpectedRequest(8, 0, id, "\"status\"", "", 30));
+    ASSERT_TRUE(linked.instrument.waitForFrames(1));
+    EXPECT_EQ(linked.instrument.frames()[0].bytes(), ExpectedRequest(8, 0, id, "\"status\"", "", 30));
 
     EXPECT_TRUE(linked.impl->RunCommand(L"status", output, 999999));
-    ASSERT_TRUE(linked.instrument.WaitForFrames(2));
-    EXPECT_EQ(linked.instrument.Frames()[1].extra(), 0u);
+    ASSERT_TRUE(linked.instrument.waitForFrames(2));
+    EXPECT_EQ(linked.instrument.frames()[1].extra(), 0u);
 
     EXPECT_FALSE(linked.impl->RunCommand(L"fail", output, 0));
     EXPECT_EQ(output, L"");
@@ -285,7 +285,7 @@ TEST(LinkFolderCommands, GetFileInfoFillsTheEntryAndThePreview) {
         EXPECT_EQ(entry.size, 123456);
         EXPECT_EQ(entry.times[0], -1000000);
         EXPECT_EQ(entry.times[2], 1700000000000000LL);
-        EXPECT_EQ(linked.instrument.Frames().back().bytes(), ExpectedRequest(9, 0, id, "\"/data/run1.vxs\""));
+        EXPECT_EQ(linked.instrument.frames().back().bytes(), ExpectedRequest(9, 0, id, "\"/data/run1.vxs\""));
     }
     FileInfo entry;
     EXPECT_TRUE(linked.impl->GetFileInfo(L"/x", &entry, nullptr, nullptr));

@@ -206,14 +206,14 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
     EXPECT_EQ(channel->closes, 1);
     EXPECT_FALSE(sensor.GetDevice(L"VEXA").HasSnapshot());
     sensor.Disconnect(0); // already off line: no second event
-    EXPECT_EQ(observer.Codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
-    EXPECT_EQ(observer.Events()[0].sensorName, L"h");
+    EXPECT_EQ(observer.codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
+    EXPECT_EQ(observer.events()[0].sensorName, L"h");
 
     // A link that does not open leaves the sensor off line without events.
     sensor.allowOpen = false;
     EXPECT_FALSE(sensor.GoOnline());
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_EQ(observer.Events().size(), 2u);
+    EXPECT_EQ(observer.events().size(), 2u);
 
     // A link that drops is noticed: on line means link open.
     sensor.allowOpen = true;
@@ -223,7 +223,7 @@ TEST(SensorObject, GoOnlineAndDisconnect) {
     EXPECT_TRUE(sensor.IsOnline(false));
     sensor.OnTimer(0);
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_EQ(observer.Codes().back(), kSensorEventOffline);
+    EXPECT_EQ(observer.codes().back(), kSensorEventOffline);
 }
 
 TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
@@ -233,14 +233,14 @@ TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
     sensor.disconnectInsideConnect = true; // a failed hello calls Disconnect(0) from inside Connect
     EXPECT_FALSE(sensor.GoOnline());
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_TRUE(observer.Events().empty());
+    EXPECT_TRUE(observer.events().empty());
 
     sensor.disconnectInsideConnect = false;
     sensor.disconnectInsideClose = true; // the link reports a Disconnect while closing
     ASSERT_TRUE(sensor.GoOnline());
     sensor.Disconnect(0);
     EXPECT_EQ(sensor.GetSensorState(), kSensorOffline);
-    EXPECT_EQ(observer.Codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
+    EXPECT_EQ(observer.codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline}));
 
     // Several threads taking it off line at once raise one event.
     sensor.disconnectInsideClose = false;
@@ -250,7 +250,7 @@ TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
         threads.emplace_back([&] { sensor.Disconnect(0); });
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(observer.Codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline,
+    EXPECT_EQ(observer.codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline,
                                                        kSensorEventOnline, kSensorEventOffline}));
 }
 
@@ -272,7 +272,7 @@ TEST(SensorObject, PollDeviceParsesStatusAndRaisesEvents) {
     const IDevice::Snapshot expected = {
         {"model", "3"}, {"cartridge", "1"}, {"totalPres", "nan"}, {"process", ""}, {"heater.2", "1234"}};
     EXPECT_EQ(s.sensor.GetDevice(L"VEXA").GetSnapshot(), expected);
-    const std::vector<ISensorEvent> events = s.observer.Events();
+    const std::vector<ISensorEvent> events = s.observer.events();
     ASSERT_EQ(events.size(), 4u);
     EXPECT_EQ(events[1].code, 1048881u);
     EXPECT_EQ(events[1].text, L"Box_backup.tgz");
@@ -291,7 +291,7 @@ TEST(SensorObject, FailingChannelTakesSensorOffline) {
         s.channel->answers.erase(failing);
         s.sensor.OnTimer(0);
         EXPECT_EQ(s.sensor.GetSensorState(), kSensorOffline) << failing;
-        EXPECT_EQ(s.observer.Codes().back(), kSensorEventOffline) << failing;
+        EXPECT_EQ(s.observer.codes().back(), kSensorEventOffline) << failing;
         EXPECT_FALSE(s.sensor.GetDevice(L"VEXA").HasSnapshot()) << failing;
         EXPECT_EQ(s.channel->closes, 1) << failing;
 
@@ -354,14 +354,14 @@ TEST(SensorObserver, MasksFilterNotifications) {
     observer.SetAllDeviceMasks(0xFFFFFFFF, 1);
     sensor.RaiseEvent(kSensorEventBackup, L"f");
     std::wstring texts;
-    for (const auto& e : observer.Events())
+    for (const auto& e : observer.events())
         texts += e.text;
     EXPECT_EQ(texts, L"acdf");
 
     // Detaching and destruction of either side in any order.
     observer.SetSensor(nullptr);
     sensor.RaiseEvent(2, L"g");
-    EXPECT_EQ(observer.Events().size(), 4u);
+    EXPECT_EQ(observer.events().size(), 4u);
     auto* other = new FakeSensor(L"x");
     RecordingObserver late;
     late.SetSensor(other);

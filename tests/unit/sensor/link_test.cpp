@@ -172,7 +172,7 @@ TEST(Link, StalledPeerFailsTheReceiveAfterThreeSecondsAndTakesTheSensorOffline) 
     EXPECT_EQ(sensor->GetLastLinkError(), kWsaTimedOut);
     EXPECT_FALSE(sensor->IsOnline());
     EXPECT_FALSE(sensor->IsLinkOpen());
-    auto codes = observer.Codes();
+    auto codes = observer.codes();
     EXPECT_NE(std::find(codes.begin(), codes.end(), kSensorEventOffline), codes.end());
     observer.SetSensor(nullptr);
 }

@@ -52,7 +52,7 @@ TEST(VexaCommSensorTest, RequestBytesAndDataAnswer) {
     EXPECT_EQ(answer, L"model=2\nneg=1\n");
     EXPECT_EQ(error, 0);
 
-    const std::vector<PeerFrame> requests = instrument.Frames();
+    const std::vector<PeerFrame> requests = instrument.frames();
     ASSERT_EQ(requests.size(), 1u);
     // Command 8 with 10 s in the extra word.
     EXPECT_EQ(requests[0].bytes(), ExpectedRequest(8, 0, requests[0].argument(), "\"status\"", "", 10));
@@ -168,7 +168,7 @@ TEST(VexaCommSensorTest, OverlongCommandIsRefusedUnsent) {
     EXPECT_FALSE(f.channel->Command(L"method run " + std::wstring(1100, L'a'), &answer, &error));
     EXPECT_EQ(error, kErrInvalid);
     EXPECT_TRUE(f.channel->Command(L"method run " + std::wstring(1010, L'a'), &answer, &error));
-    EXPECT_EQ(instrument.FrameCount(), 1u);
+    EXPECT_EQ(instrument.frameCount(), 1u);
 }
 
 // A silent instrument: the receive gives up after the link's limit and takes the sensor off line.
