@@ -20,10 +20,12 @@ protected:
         Start(args);
         m_client = Connect();
     }
-    ReceivedFrame Run(const std::string& command) { return Ask(*m_client, ++m_id, 8, command, {}, 0, 30); }
+    ReceivedFrame Run(const std::string& command) {
+        return Ask(*m_client, ++m_id, kWireRun, command, {}, 0, 30);
+    }
     std::string Output(const std::string& command) {
         const ReceivedFrame frame = Run(command);
-        EXPECT_EQ(frame.kind, 9) << command << ": " << frame.message();
+        EXPECT_EQ(frame.kind, kWireData) << command << ": " << frame.message();
         return frame.text();
     }
     int Progress() {
@@ -95,14 +97,14 @@ TEST_F(BackupTest, ASecondRequestIsRefusedWhileTheFirstGoesOnAndTransfersKeepWor
     StartWith({"--fault", "backup-slow=100"});
     EXPECT_EQ(Output("backup"), "ok");
     const ReceivedFrame second = Run("backup /Data");
-    EXPECT_EQ(second.kind, 1);
+    EXPECT_EQ(second.kind, kWireReply);
     EXPECT_EQ(second.status(), 16u) << second.message();
     EXPECT_EQ(AwaitBackupEvent(), "aborted");
 
     // Meanwhile the file service answers and progress is part way.
     auto other = Connect();
     std::vector<ReceivedFrame> frames;
-    ASSERT_TRUE(other->SendRequest(1, 3, "/hostname"));
+    ASSERT_TRUE(other->SendRequest(1, kWireOpenRead, "/hostname"));
     ASSERT_TRUE(other->ReadTransfer(&frames));
     EXPECT_EQ(Content(frames), Bytes({'v', 'e', 'x', 'a', 'r', 'o', 'n', '-', '0', '4', '2', '7', '\n'}));
     const int during = Progress();
@@ -133,7 +135,7 @@ TEST_F(BackupTest, ItemsOutsideTheFileSystemOrMissingAreRefusedWithAnAbort) {
     for (const char* item : {"/../outside", "/Data/escape/secret.txt", "/Data/none.vxs"}) {
         SCOPED_TRACE(item);
         const ReceivedFrame reply = Run(std::string("backup /Method ") + item);
-        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.kind, kWireReply);
         EXPECT_NE(reply.status(), 0u);
         EXPECT_EQ(AwaitBackupEvent(), "aborted");
     }

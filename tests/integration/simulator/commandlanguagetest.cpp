@@ -28,7 +28,7 @@ protected:
     }
     std::string Output(RawLinkClient& client, const std::string& command) {
         const ReceivedFrame frame = Run(client, command);
-        EXPECT_EQ(frame.kind, 9) << command << ": " << frame.message();
+        EXPECT_EQ(frame.kind, kWireData) << command << ": " << frame.message();
         EXPECT_EQ(frame.argument, m_id) << command;
         return frame.text();
     }
@@ -108,7 +108,7 @@ TEST_F(CommandLanguageTest, CommandsAnswerOrRefuseAsTheInstrumentDoes) {
             continue;
         }
         const ReceivedFrame reply = Run(*client, c.command);
-        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.kind, kWireReply);
         EXPECT_EQ(reply.argument, m_id);
         EXPECT_NE(reply.status(), 0u);
         EXPECT_FALSE(reply.message().empty());
@@ -150,6 +150,7 @@ TEST_F(CommandLanguageTest, ReplyDelayHoldsBackEveryAnswer) {
     };
     EXPECT_GE(timed([&] { EXPECT_NE(Output(*client, "status").find("model="), std::string::npos); }),
               std::chrono::milliseconds(300));
-    EXPECT_GE(timed([&] { EXPECT_EQ(Ask(*client, ++m_id, kWireDescribe, "/Data/run1.vxs").kind, 9); }),
-              std::chrono::milliseconds(300));
+    EXPECT_GE(
+        timed([&] { EXPECT_EQ(Ask(*client, ++m_id, kWireDescribe, "/Data/run1.vxs").kind, kWireData); }),
+        std::chrono::milliseconds(300));
 }

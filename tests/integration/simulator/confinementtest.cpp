@@ -65,7 +65,7 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.command) + " " + c.first.substr(0, 80) + " " + c.second);
         const ReceivedFrame reply = Ask(*client, ++id, c.command, c.first, c.second, c.flags);
-        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.kind, kWireReply);
         EXPECT_NE(reply.status(), 0u);
     }
     // Uploads get no answer; the file simply never appears.
@@ -77,7 +77,7 @@ TEST_F(SimulatorTest, EveryEscapeFromTheRootIsRefused) {
     for (const std::string command : {"method run \"/../outside/secret.txt\" -speed=2",
                                       "tune manual 1 /../outside/secret.txt", "backup /../outside"})
         Ask(*client, ++id, kWireRun, command, {}, 0, 10);
-    EXPECT_EQ(Ask(*client, ++id, kWireDescribe, "/hosts").kind, 9); // both uploads were consumed
+    EXPECT_EQ(Ask(*client, ++id, kWireDescribe, "/hosts").kind, kWireData); // both uploads were consumed
 
     EXPECT_EQ(ReadWholeFile(m_temp.file("outside/secret.txt")), "not for the instrument");
     EXPECT_FALSE(fs::exists(m_temp.file("outside/written.txt")));
@@ -96,7 +96,7 @@ TEST_F(SimulatorTest, DotsThatStayInsideTheRootAreServed) {
     auto client = Connect();
     for (const char* path : {"/Data/../hostname", "Data/./../hostname", "//hostname"}) {
         const ReceivedFrame frame = Ask(*client, 1, kWireOpenRead, path);
-        EXPECT_EQ(frame.kind, 9) << path;
+        EXPECT_EQ(frame.kind, kWireData) << path;
         EXPECT_EQ(Content({frame}), ToBytes("vexaron-0427\n")) << path;
     }
 }

@@ -43,14 +43,14 @@ TEST_F(SimulatorTest, ReplyStatusAnswersEveryFileRequest) {
     auto client = Connect();
     for (std::uint32_t command : {1u, 3u, 4u, 5u, 7u, 9u}) {
         const ReceivedFrame reply = Ask(*client, command, command, "/hostname", "/other");
-        EXPECT_EQ(reply.kind, 1) << command;
+        EXPECT_EQ(reply.kind, kWireReply) << command;
         EXPECT_EQ(reply.argument, command);
         EXPECT_EQ(reply.status(), 77u) << command;
     }
     EXPECT_TRUE(FileExists(root() + "/hostname"));
     // The command language is not part of the file service and keeps answering.
     const ReceivedFrame echo = Ask(*client, 8, kWireRun, "echo still here");
-    EXPECT_EQ(echo.kind, 9);
+    EXPECT_EQ(echo.kind, kWireData);
     EXPECT_EQ(echo.text(), "still here\n");
 }
 

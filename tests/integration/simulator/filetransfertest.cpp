@@ -19,7 +19,7 @@ TEST_F(SimulatorTest, ListsTheDemoRootWithoutParentOrHiddenEntries) {
     auto client = Connect();
     const ReceivedFrame frame = Ask(*client, 41, kWireList, "/", {}, kWireListing);
     EXPECT_EQ(frame.marker, 0x0A0B0C0Du);
-    EXPECT_EQ(frame.kind, 9);
+    EXPECT_EQ(frame.kind, kWireData);
     EXPECT_EQ(frame.flags, 0x0100);
     EXPECT_EQ(frame.version, 1u);
     EXPECT_EQ(frame.argument, 41u);
@@ -87,7 +87,7 @@ TEST_F(SimulatorTest, EmptyRootListsAsOneEmptyFrame) {
     Start();
     auto client = Connect();
     const ReceivedFrame frame = Ask(*client, 3, kWireList, "/", {}, kWireListing);
-    EXPECT_EQ(frame.kind, 9);
+    EXPECT_EQ(frame.kind, kWireData);
     EXPECT_EQ(frame.flags, 0x0100);
     EXPECT_EQ(frame.length, 0u);
 }
@@ -109,7 +109,7 @@ TEST_F(SimulatorTest, FailuresReplyWithStatusAndTheRequestId) {
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.command) + " " + c.path);
         const ReceivedFrame reply = Ask(*client, ++id, c.command, c.path, {}, c.flags);
-        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.kind, kWireReply);
         EXPECT_EQ(reply.argument, id);
         EXPECT_EQ(reply.status(), c.status);
         EXPECT_FALSE(reply.message().empty());
@@ -148,8 +148,8 @@ TEST_F(SimulatorTest, ReadsFilesPlainAndCompressed) {
         EXPECT_EQ(frames[0].extra, c.expected.size());
         for (std::size_t i = 0; i < frames.size(); ++i) {
             EXPECT_EQ(frames[i].argument, 5u);
-            EXPECT_EQ((frames[i].flags & 0x8000) != 0, i + 1 < frames.size());
-            EXPECT_EQ((frames[i].flags & 0x0400) != 0, c.compressed);
+            EXPECT_EQ((frames[i].flags & kWireMore) != 0, i + 1 < frames.size());
+            EXPECT_EQ((frames[i].flags & kWireCompressed) != 0, c.compressed);
             if (i > 0) {
                 EXPECT_EQ(frames[i].extra, 0u);
             }
@@ -175,7 +175,7 @@ TEST_F(SimulatorTest, CompressesAgainOnceTheContentShrinks) {
     ASSERT_EQ(frames.size(), 5u);
     const bool compressed[] = {false, false, true, true, true};
     for (std::size_t i = 0; i < frames.size(); ++i)
-        EXPECT_EQ((frames[i].flags & 0x0400) != 0, compressed[i]) << "frame " << i;
+        EXPECT_EQ((frames[i].flags & kWireCompressed) != 0, compressed[i]) << "frame " << i;
     EXPECT_EQ(Content(frames), ToBytes(content));
 }
 
@@ -184,7 +184,7 @@ TEST_F(SimulatorTest, ReadsAnEmptyFileAsOneEmptyFrame) {
     Start();
     auto client = Connect();
     const ReceivedFrame frame = Ask(*client, 12, kWireOpenRead, "/Data/empty.vxs");
-    EXPECT_EQ(frame.kind, 9);
+    EXPECT_EQ(frame.kind, kWireData);
     EXPECT_EQ(frame.flags, 0);
     EXPECT_EQ(frame.length, 0u);
     EXPECT_EQ(frame.extra, 0u);
@@ -220,7 +220,7 @@ TEST_F(SimulatorTest, DescribesAFileWithAPreview) {
     auto client = Connect();
 
     const ReceivedFrame small = Ask(*client, 15, kWireDescribe, "/hostname");
-    EXPECT_EQ(small.kind, 9);
+    EXPECT_EQ(small.kind, kWireData);
     EXPECT_EQ(small.argument, 15u);
     ASSERT_EQ(small.payload.size(), 1104u + 4 + 13);
     const ListedEntry entry = DecodeRecords(small.payload).at(0);

@@ -35,7 +35,7 @@ TEST_F(SimulatorTest, FolderOperationsAnswerWithErrnoLikeStatuses) {
     for (const Step& step : steps) {
         SCOPED_TRACE(std::to_string(step.command) + " " + step.first + " " + step.second);
         const ReceivedFrame reply = Ask(*client, ++id, step.command, step.first, step.second, step.flags);
-        EXPECT_EQ(reply.kind, 1);
+        EXPECT_EQ(reply.kind, kWireReply);
         EXPECT_EQ(reply.argument, id);
         EXPECT_EQ(reply.status(), step.status);
         if (step.status != 0) {
@@ -71,7 +71,7 @@ TEST_F(SimulatorTest, MalformedFramesCloseTheConnection) {
     }
     // The simulator itself carries on.
     auto client = Connect();
-    EXPECT_EQ(Ask(*client, 1, kWireDescribe, "/hosts").kind, 9);
+    EXPECT_EQ(Ask(*client, 1, kWireDescribe, "/hosts").kind, kWireData);
 }
 
 TEST_F(SimulatorTest, RequestOfTheWrongSizeIsRefused) {
@@ -80,7 +80,7 @@ TEST_F(SimulatorTest, RequestOfTheWrongSizeIsRefused) {
     ASSERT_TRUE(client->SendRaw(WireFrame(8, 0, 9, {1, 0, 0, 0}))); // a command word without arguments
     std::optional<ReceivedFrame> reply = client->ReadFrame();
     ASSERT_TRUE(reply);
-    EXPECT_EQ(reply->kind, 1);
+    EXPECT_EQ(reply->kind, kWireReply);
     EXPECT_EQ(reply->argument, 9u);
     EXPECT_EQ(reply->status(), 22u);
 }

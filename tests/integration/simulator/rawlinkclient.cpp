@@ -57,7 +57,7 @@ bool RawLinkClient::SendRequest(std::uint32_t id, std::uint32_t command, const s
 }
 
 bool RawLinkClient::SendUploadData(std::uint32_t transfer, bool more, const Bytes& payload) {
-    return SendRaw(WireFrame(9, more ? 0x8000 : 0, transfer, payload, 0, 2));
+    return SendRaw(WireFrame(kWireData, more ? kWireMore : 0, transfer, payload, 0, kWireUploadSubArgument));
 }
 
 bool RawLinkClient::Upload(std::uint32_t transfer, const std::string& path, const Bytes& content) {
@@ -129,10 +129,10 @@ bool RawLinkClient::ReadTransfer(std::vector<ReceivedFrame>* frames) {
     // Bounded: a transfer in these tests never spans more than a few hundred frames.
     for (int i = 0; i < 1000; ++i) {
         std::optional<ReceivedFrame> frame = ReadFrame();
-        if (!frame || frame->kind != 9)
+        if (!frame || frame->kind != kWireData)
             return false;
         frames->push_back(std::move(*frame));
-        if (!(frames->back().flags & 0x8000))
+        if (!(frames->back().flags & kWireMore))
             return true;
     }
     return false;

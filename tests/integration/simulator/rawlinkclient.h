@@ -10,8 +10,14 @@
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The link's request commands and request flags, named for these tests (the simulator and the module
-// keep their own names, so a wrong number on one side cannot hide behind a shared constant).
+// The link's frame kinds, request commands and request flags, named for these tests (the simulator and the
+// module keep their own names, so a wrong number on one side cannot hide behind a shared constant).
+enum WireKind : std::uint16_t {
+    kWireReply = 1,
+    kWireHello = 4,
+    kWireRequest = 8,
+    kWireData = 9,
+};
 enum WireCommand : std::uint32_t {
     kWireList = 1,
     kWireOpenWrite = 2,
@@ -27,7 +33,11 @@ enum WireFlag : std::uint16_t {
     kWireRecursive = 0x0004,
     kWireOpenWriteFlag = 0x0010,
     kWireListing = 0x0100,
+    kWireCompressed = 0x0400, // the payload is zlib data
+    kWireMore = 0x8000,       // another data frame of this transfer follows
 };
+// The sub-argument of the data frames that carry an upload.
+constexpr std::uint16_t kWireUploadSubArgument = 2;
 
 struct ReceivedFrame {
     std::uint32_t marker = 0;
@@ -40,7 +50,7 @@ struct ReceivedFrame {
     std::uint32_t extra = 0;
     Bytes payload;
 
-    // For replies (kind 1).
+    // For replies (kWireReply).
     std::uint32_t status() const { return payload.size() >= 4 ? ReadU32(payload, 0) : 0xFFFFFFFF; }
     std::string message() const;
     std::string text() const { return std::string(payload.begin(), payload.end()); }
@@ -62,7 +72,7 @@ public:
                      const std::string& second = {}, std::uint16_t flags = 0, std::uint32_t extra = 0);
     // One data frame of an upload (sub-argument 2).
     bool SendUploadData(std::uint32_t transfer, bool more, const Bytes& payload);
-    // Sends a whole file the way the workstation does: 65,536-byte frames, the last without 0x8000.
+    // Sends a whole file the way the workstation does: 65,536-byte frames, the last without kWireMore.
     bool Upload(std::uint32_t transfer, const std::string& path, const Bytes& content);
 
     // One frame, payload read as announced; nothing on time-out, close or an announced length above
@@ -72,7 +82,7 @@ public:
     Bytes ReadUpTo(std::size_t count);
     // Whether the peer has closed the connection (waits at most the receive time-out).
     bool PeerClosed();
-    // Reads data frames until one without 0x8000; false when a reply or nothing came instead.
+    // Reads data frames until one without kWireMore; false when a reply or nothing came instead.
     bool ReadTransfer(std::vector<ReceivedFrame>* frames);
 
     // Whether the last ReadUpTo/ReadFrame ended because the peer closed (rather than by time-out).

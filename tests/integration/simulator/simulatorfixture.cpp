@@ -36,7 +36,7 @@ Bytes Inflate(const Bytes& packed) {
 Bytes Content(const std::vector<ReceivedFrame>& frames) {
     Bytes content;
     for (const ReceivedFrame& frame : frames) {
-        const Bytes chunk = (frame.flags & 0x0400) ? Inflate(frame.payload) : frame.payload;
+        const Bytes chunk = (frame.flags & kWireCompressed) ? Inflate(frame.payload) : frame.payload;
         content.insert(content.end(), chunk.begin(), chunk.end());
     }
     return content;

@@ -25,7 +25,7 @@ std::int64_t NowMicroseconds() {
 class TuneTest : public SimulatorTest {
 protected:
     ReceivedFrame Run(RawLinkClient& client, const std::string& command) {
-        return Ask(client, ++m_id, 8, command, {}, 0, 30);
+        return Ask(client, ++m_id, kWireRun, command, {}, 0, 30);
     }
     std::uint32_t m_id = 0;
 };
@@ -38,7 +38,7 @@ TEST_F(TuneTest, RunAppendsAReportOfTheCurrentTuneFile) {
     auto client = Connect();
     const std::int64_t start = NowMicroseconds();
     const ReceivedFrame answer = Run(*client, "tune run");
-    ASSERT_EQ(answer.kind, 9) << answer.message();
+    ASSERT_EQ(answer.kind, kWireData) << answer.message();
     EXPECT_EQ(answer.text(), "/Tune/Reports/Default.rpt\n");
 
     const json reports = ReadJson(reportFile);
@@ -81,10 +81,10 @@ TEST_F(TuneTest, ManualTuneFileChoosesTheReportFile) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.command);
         if (c.manual) {
-            ASSERT_EQ(Run(*client, c.manual).kind, 9);
+            ASSERT_EQ(Run(*client, c.manual).kind, kWireData);
         }
         const ReceivedFrame answer = Run(*client, c.command);
-        ASSERT_EQ(answer.kind, 9) << answer.message();
+        ASSERT_EQ(answer.kind, kWireData) << answer.message();
         EXPECT_EQ(answer.text(), std::string(c.report) + "\n");
         EXPECT_FALSE(ReadJson(root() + c.report)["reports"].empty());
     }
@@ -108,9 +108,9 @@ TEST_F(TuneTest, FailedTuneSaysWhyAndKeepsTheReportFile) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.tuneFile);
-        ASSERT_EQ(Run(*client, std::string("tune manual 3 ") + c.tuneFile).kind, 9);
+        ASSERT_EQ(Run(*client, std::string("tune manual 3 ") + c.tuneFile).kind, kWireData);
         const ReceivedFrame answer = Run(*client, "tune run");
-        EXPECT_EQ(answer.kind, 1);
+        EXPECT_EQ(answer.kind, kWireReply);
         EXPECT_EQ(answer.status(), c.status);
         EXPECT_FALSE(answer.message().empty());
     }
