@@ -22,4 +22,7 @@ public:
     // Opens or closes the channel's connection together with the sensor.
     virtual bool Open() = 0;
     virtual void Close() = 0;
+    // The error of the channel's last failed operation (0 when it has none to tell), so that a caller
+    // can say why a status or parameter read failed.
+    virtual int LastError() const { return 0; }
 };

@@ -67,8 +67,13 @@ template <typename Operation> bool Run(const std::wstring& host, Operation opera
         return true;
     }
     int error = impl->GetError();
+    std::wstring text = impl->GetErrorText();
+    if (error == 0 && impl->LastReplyStatus() != 0) {
+        error = int(impl->LastReplyStatus());
+        text = impl->LastReplyText();
+    }
     // A failure without a reason still must not read as success.
-    FileInfo::SetLastError(error != 0 ? error : kErrInvalid, impl->GetErrorText());
+    FileInfo::SetLastError(error != 0 ? error : kErrInvalid, text);
     return false;
 }
 

@@ -58,6 +58,10 @@ public:
     // The back end's last error and, where the other side sent one, its message.
     virtual int GetError() const = 0;
     virtual std::wstring GetErrorText() const { return {}; }
+    // The other side's last refusal (its status, 0 for none, and its message) for a back end whose
+    // GetError() a refusal leaves unchanged: the status is then the reason the operation failed.
+    virtual uint32_t LastReplyStatus() const { return 0; }
+    virtual std::wstring LastReplyText() const { return {}; }
 };
 
 // A factory registers itself when constructed and unregisters when destroyed. Factories are asked in

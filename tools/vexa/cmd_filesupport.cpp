@@ -3,7 +3,6 @@
 #include "ftperror.h"
 #include "sensoraddress.h"
 #include "text.h"
-#include "vxsfileinfoimpl.h"
 #include "winsockerror.h"
 
 #include <cerrno>
@@ -37,19 +36,6 @@ void PrintFileError(const CliContext& ctx, const std::string& what, int error, c
 int PrintFileInfoError(const CliContext& ctx, const std::string& what) {
     PrintFileError(ctx, what, FileInfo::LastError(), FileInfo::LastErrorText());
     return ExitCodeFor(FileInfo::LastError());
-}
-
-int PrintFolderError(const CliContext& ctx, const std::string& what, const VXSFileInfoImpl& impl) {
-    int error = impl.GetError();
-    std::wstring text = impl.GetErrorText();
-    if (error == 0 && impl.LastReplyStatus() != 0) {
-        error = int(impl.LastReplyStatus());
-        text = impl.LastReplyText();
-    }
-    if (error == 0)
-        error = kErrInvalid;
-    PrintFileError(ctx, what, error, text);
-    return ExitCodeFor(error);
 }
 
 bool IsUnreachableError(int error) {

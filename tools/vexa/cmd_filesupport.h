@@ -11,8 +11,6 @@
 #include <cstdint>
 #include <string>
 
-class VXSFileInfoImpl;
-
 // One entry as `--json` prints it: name, size, folder flag, attributes and the three times (microseconds
 // since 1970 UTC), exactly as the back end returned them.
 nlohmann::ordered_json EntryJson(const FileInfo& entry);
@@ -23,10 +21,6 @@ std::string EntryTimeText(int64_t microseconds);
 void PrintFileError(const CliContext& ctx, const std::string& what, int error, const std::wstring& text);
 // The same for FileInfo's last failure. Returns the exit code to use.
 int PrintFileInfoError(const CliContext& ctx, const std::string& what);
-
-// The same for a failed operation of the link's folder back end: its error, or the instrument's status
-// and message when it refused. Returns the exit code to use.
-int PrintFolderError(const CliContext& ctx, const std::string& what, const VXSFileInfoImpl& impl);
 
 // Whether an error number means the instrument was not reached at all (link or FTP connection).
 bool IsUnreachableError(int error);

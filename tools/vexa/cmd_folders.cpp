@@ -4,7 +4,6 @@
 #include "hostsessions.h"
 #include "remotename.h"
 #include "text.h"
-#include "vxsfileinfoimpl.h"
 
 #include <functional>
 #include <memory>
@@ -12,7 +11,8 @@
 
 namespace {
 
-using FolderOperation = std::function<bool(VXSFileInfoImpl& back, const FileOperand& operand)>;
+// One of FileInfo's folder operations on an operand's instrument name.
+using FolderOperation = std::function<bool(const FileOperand& operand)>;
 
 // Runs `operation` on each operand in turn (all on instruments); stops at the first failure.
 int RunOnEach(CliContext& ctx, const std::string& verb, const std::vector<std::string>& operands,
@@ -35,9 +35,8 @@ int RunOnEach(CliContext& ctx, const std::string& verb, const std::vector<std::s
             PrintError(ctx, ToUtf8(operand.host) + ": cannot reach the instrument", error);
             return kExitUnreachable;
         }
-        VXSFileInfoImpl back(operand.host);
-        if (!operation(back, operand))
-            return PrintFolderError(ctx, verb + " " + operand.text, back);
+        if (!operation(operand))
+            return PrintFileInfoError(ctx, verb + " " + operand.text);
     }
     return kExitOk;
 }
@@ -49,9 +48,8 @@ void AddRmCommand(CLI::App& app, CliContext& ctx) {
     auto* cmd = app.add_subcommand("rm", "Delete files on the instrument");
     cmd->add_option("FILE", *files, "@HOST:/PATH ...")->required();
     cmd->callback([&ctx, files] {
-        ctx.exitCode = RunOnEach(ctx, "rm", *files, [](VXSFileInfoImpl& back, const FileOperand& file) {
-            return back.Delete(file.path);
-        });
+        ctx.exitCode = RunOnEach(ctx, "rm", *files,
+                                 [](const FileOperand& file) { return FileInfo::Delete(file.Name()); });
     });
 }
 
@@ -62,10 +60,9 @@ void AddRmdirCommand(CLI::App& app, CliContext& ctx) {
     cmd->add_flag("-r,--recursive", *recursive, "Remove the folders with everything in them");
     cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
     cmd->callback([&ctx, folders, recursive] {
-        ctx.exitCode =
-            RunOnEach(ctx, "rmdir", *folders, [recursive](VXSFileInfoImpl& back, const FileOperand& folder) {
-                return back.RmDir(folder.path, *recursive);
-            });
+        ctx.exitCode = RunOnEach(ctx, "rmdir", *folders, [recursive](const FileOperand& folder) {
+            return FileInfo::RmDir(folder.Name(), *recursive);
+        });
     });
 }
 
@@ -74,10 +71,8 @@ void AddMkdirCommand(CLI::App& app, CliContext& ctx) {
     auto* cmd = app.add_subcommand("mkdir", "Make folders on the instrument");
     cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
     cmd->callback([&ctx, folders] {
-        ctx.exitCode =
-            RunOnEach(ctx, "mkdir", *folders, [](VXSFileInfoImpl& back, const FileOperand& folder) {
-                return back.MkDir(folder.path);
-            });
+        ctx.exitCode = RunOnEach(ctx, "mkdir", *folders,
+                                 [](const FileOperand& folder) { return FileInfo::MkDir(folder.Name()); });
     });
 }
 
@@ -119,9 +114,8 @@ void AddMvCommand(CLI::App& app, CliContext& ctx) {
             ctx.exitCode = kExitUsage;
             return;
         }
-        ctx.exitCode =
-            RunOnEach(ctx, "mv", {(*names)[0]}, [newPath](VXSFileInfoImpl& back, const FileOperand& from) {
-                return back.Rename(from.path, newPath);
-            });
+        ctx.exitCode = RunOnEach(ctx, "mv", {(*names)[0]}, [newPath](const FileOperand& from) {
+            return FileInfo::Rename(from.Name(), MakeFilename(L"", newPath, from.host));
+        });
     });
 }

@@ -1,10 +1,10 @@
 // vexa status HOST [--json] [--watch]: the instrument's status panel, as the studio shows it.
 #include "cli.h"
 
+#include "commsensor.h"
 #include "pumpwait.h"
 #include "sensorlink.h"
 #include "text.h"
-#include "vexacommsensor.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
 
@@ -105,7 +105,7 @@ bool WaitForFirstSnapshot(VEXASensorObject& sensor) {
 
 // Why the status could not be read: the channel's error, else the link's, else "not connected".
 int StatusError(VEXASensorObject& sensor) {
-    if (auto* comm = dynamic_cast<VexaCommSensor*>(sensor.GetCommSensor()); comm && comm->LastError() != 0)
+    if (const ICommSensor* comm = sensor.GetCommSensor(); comm && comm->LastError() != 0)
         return comm->LastError();
     return sensor.GetLastLinkError() != 0 ? sensor.GetLastLinkError() : kWsaNotConn;
 }

@@ -48,8 +48,8 @@ public:
     // it: a refused delete, rename or make-folder leaves the error unchanged).
     std::wstring GetErrorText() const override;
     // The status word of the last reply that was not 0 (or 0), and the message that came with it.
-    uint32_t LastReplyStatus() const { return m_replyStatus; }
-    const std::wstring& LastReplyText() const { return m_replyText; }
+    uint32_t LastReplyStatus() const override { return m_replyStatus; }
+    std::wstring LastReplyText() const override { return m_replyText; }
 
     // Bytes one answer may take on the link, about 120,000 directory records: a listing that runs past
     // it is a lie or never ends. The operation fails with 34 and the link is closed, since the rest of

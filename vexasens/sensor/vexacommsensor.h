@@ -45,7 +45,7 @@ public:
     bool IsOpen() const override;
 
     // The error of the last failed operation (link, instrument status, 22 for a malformed answer).
-    int LastError() const;
+    int LastError() const override;
 
 private:
     bool Run(const std::string& commandUtf8, std::string* answer, std::string* message, int* error);

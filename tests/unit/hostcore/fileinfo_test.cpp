@@ -38,7 +38,11 @@ public:
         entries.push_back(entry);
         return true;
     }
-    bool MkDir(const std::wstring& path) override { return Log(L"mkdir " + path, true); }
+    // "taken": refused the way the link refuses, with a status that leaves GetError() as it was.
+    bool MkDir(const std::wstring& path) override {
+        m_refusal = path.ends_with(L"/taken") ? 17 : 0;
+        return Log(L"mkdir " + path, m_refusal == 0);
+    }
     bool Rename(const std::wstring& a, const std::wstring& b) override {
         return Log(L"rename " + a + L" " + b, true);
     }
@@ -58,6 +62,8 @@ public:
     }
     int GetError() const override { return m_error; }
     std::wstring GetErrorText() const override { return m_error ? L"instrument says no" : L""; }
+    uint32_t LastReplyStatus() const override { return m_refusal; }
+    std::wstring LastReplyText() const override { return m_refusal ? L"already exists" : L""; }
 
 private:
     bool Log(const std::wstring& line, bool result) {
@@ -66,6 +72,7 @@ private:
     }
     std::vector<std::wstring>* m_log;
     int m_error = 0;
+    uint32_t m_refusal = 0;
 };
 
 class FakeFolderFactory : public FileInfoImplFactory {
@@ -240,6 +247,11 @@ TEST(FileInfo, RemoteNamesGoToFactories) {
     EXPECT_EQ(FileInfo::LastError(), 22);
     EXPECT_FALSE(FileInfo::RunCommand(L"", L"status", output, 0));
     EXPECT_EQ(FileInfo::LastError(), 22);
+
+    // A refusal the back end's own error does not carry: the other side's status and message.
+    EXPECT_FALSE(FileInfo::MkDir(L"@box:/Data/taken"));
+    EXPECT_EQ(FileInfo::LastError(), 17);
+    EXPECT_EQ(FileInfo::LastErrorText(), L"already exists");
 
     // The last error belongs to the calling thread.
     int otherThreadError = -1;
