@@ -113,9 +113,7 @@ int AwaitArchive(const CliContext& ctx, VEXASensorObject& sensor, int timeoutSec
 }
 
 int RunBackup(CliContext& ctx, const BackupArgs& args) {
-    FileOperand instrument;
-    instrument.text = args.host;
-    instrument.host = HostOperand(args.host);
+    const FileOperand instrument = InstrumentOperand(args.host);
     CliSession session;
     if (int code = ConnectForLink(ctx, session, instrument))
         return code;

@@ -41,39 +41,37 @@ int RunOnEach(CliContext& ctx, const std::string& verb, const std::vector<std::s
     return kExitOk;
 }
 
+// Adds `verb`, which runs `operation` on each of its instrument names (`operand` in the help).
+CLI::App* AddEachCommand(CLI::App& app, CliContext& ctx, const std::string& verb,
+                         const std::string& description, const std::string& operand,
+                         FolderOperation operation) {
+    auto names = std::make_shared<std::vector<std::string>>();
+    auto* cmd = app.add_subcommand(verb, description);
+    cmd->add_option(operand, *names, "@HOST:/PATH ...")->required();
+    cmd->callback([&ctx, verb, names, operation = std::move(operation)] {
+        ctx.exitCode = RunOnEach(ctx, verb, *names, operation);
+    });
+    return cmd;
+}
+
 } // namespace
 
 void AddRmCommand(CLI::App& app, CliContext& ctx) {
-    auto files = std::make_shared<std::vector<std::string>>();
-    auto* cmd = app.add_subcommand("rm", "Delete files on the instrument");
-    cmd->add_option("FILE", *files, "@HOST:/PATH ...")->required();
-    cmd->callback([&ctx, files] {
-        ctx.exitCode = RunOnEach(ctx, "rm", *files,
-                                 [](const FileOperand& file) { return FileInfo::Delete(file.Name()); });
-    });
+    AddEachCommand(app, ctx, "rm", "Delete files on the instrument", "FILE",
+                   [](const FileOperand& file) { return FileInfo::Delete(file.Name()); });
 }
 
 void AddRmdirCommand(CLI::App& app, CliContext& ctx) {
-    auto folders = std::make_shared<std::vector<std::string>>();
     auto recursive = std::make_shared<bool>(false);
-    auto* cmd = app.add_subcommand("rmdir", "Remove folders on the instrument");
+    auto* cmd = AddEachCommand(
+        app, ctx, "rmdir", "Remove folders on the instrument", "FOLDER",
+        [recursive](const FileOperand& folder) { return FileInfo::RmDir(folder.Name(), *recursive); });
     cmd->add_flag("-r,--recursive", *recursive, "Remove the folders with everything in them");
-    cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
-    cmd->callback([&ctx, folders, recursive] {
-        ctx.exitCode = RunOnEach(ctx, "rmdir", *folders, [recursive](const FileOperand& folder) {
-            return FileInfo::RmDir(folder.Name(), *recursive);
-        });
-    });
 }
 
 void AddMkdirCommand(CLI::App& app, CliContext& ctx) {
-    auto folders = std::make_shared<std::vector<std::string>>();
-    auto* cmd = app.add_subcommand("mkdir", "Make folders on the instrument");
-    cmd->add_option("FOLDER", *folders, "@HOST:/PATH ...")->required();
-    cmd->callback([&ctx, folders] {
-        ctx.exitCode = RunOnEach(ctx, "mkdir", *folders,
-                                 [](const FileOperand& folder) { return FileInfo::MkDir(folder.Name()); });
-    });
+    AddEachCommand(app, ctx, "mkdir", "Make folders on the instrument", "FOLDER",
+                   [](const FileOperand& folder) { return FileInfo::MkDir(folder.Name()); });
 }
 
 void AddMvCommand(CLI::App& app, CliContext& ctx) {

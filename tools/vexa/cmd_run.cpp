@@ -15,9 +15,7 @@ struct RunArgs {
 };
 
 int RunCommandOn(CliContext& ctx, const RunArgs& args) {
-    FileOperand instrument;
-    instrument.text = args.host;
-    instrument.host = HostOperand(args.host);
+    const FileOperand instrument = InstrumentOperand(args.host);
     CliSession session;
     if (int code = ConnectForLink(ctx, session, instrument))
         return code;

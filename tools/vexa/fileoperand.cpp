@@ -37,3 +37,10 @@ bool ParseFileOperand(const CliContext& ctx, const std::string& text, FileOperan
     out->path = path;
     return true;
 }
+
+FileOperand InstrumentOperand(const std::string& text) {
+    FileOperand operand;
+    operand.text = text;
+    operand.host = HostOperand(text);
+    return operand;
+}

@@ -16,3 +16,6 @@ struct FileOperand {
 // Parses an operand; false (with a usage message printed) for "@" names without a valid host or path.
 // A local path is made absolute and keeps a trailing '/' (a folder to copy into).
 bool ParseFileOperand(const CliContext& ctx, const std::string& text, FileOperand* out);
+// The operand of a command that names an instrument by its host alone ("HOST" or "@HOST:"); the
+// host is checked when the command connects.
+FileOperand InstrumentOperand(const std::string& text);

@@ -6,9 +6,7 @@
 #include "simulator.h"
 #include "stdiofile.h"
 #include "tempdir.h"
-#include "vexafileinfoimplfactory.h"
 #include "vexasensorobject.h"
-#include "vexastdiofileimplfactory.h"
 #include "vxsstdiofileimpl.h"
 
 #include <unistd.h>
@@ -20,9 +18,6 @@
 #include <vector>
 
 namespace {
-
-VexaStdioFileImplFactory g_stdioFactory;
-VexaFileInfoImplFactory g_fileInfoFactory;
 
 using Clock = std::chrono::steady_clock;
 

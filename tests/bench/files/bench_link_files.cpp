@@ -7,10 +7,8 @@
 #include "simulator.h"
 #include "tempdir.h"
 #include "text.h"
-#include "vexafileinfoimplfactory.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
-#include "vexastdiofileimplfactory.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -27,9 +25,6 @@
 #include <vector>
 
 namespace {
-
-VexaStdioFileImplFactory g_stdioFactory;
-VexaFileInfoImplFactory g_fileInfoFactory;
 
 using Clock = std::chrono::steady_clock;
 

@@ -43,20 +43,6 @@ CVexaFileDlg& FileManagerTest::OpenDialog(VEXASensorObject* sensor) {
     return *m_dialog;
 }
 
-int FileManagerTest::RowOf(CPXExplorerCtrl* view, const std::wstring& name) {
-    for (int row = 0; row < view->GetItemCount(); ++row)
-        if (view->GetItemText(row) == name)
-            return row;
-    return -1;
-}
-
-std::vector<std::wstring> FileManagerTest::Names(CPXExplorerCtrl* view) {
-    std::vector<std::wstring> names;
-    for (int row = 0; row < view->GetItemCount(); ++row)
-        names.push_back(view->GetItemText(row));
-    return names;
-}
-
 void FileManagerTest::Select(CPXExplorerCtrl* view, const std::vector<std::wstring>& names) {
     view->ClearSelection();
     for (const std::wstring& name : names) {

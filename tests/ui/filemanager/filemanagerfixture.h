@@ -1,6 +1,7 @@
 #pragma once
 // A simulated instrument serving a copy of the demo tree, a sensor on line to it, a workstation folder
 // and the Manage Files dialog over both, shown (not modal) so a case can drive it directly.
+#include "../explorerrows.h"
 #include "scriptedprompt.h"
 #include "simulatedinstrument.h"
 #include "tempdir.h"
@@ -37,9 +38,6 @@ protected:
     std::string PcFolder() const { return m_temp.file("pc"); }
     static std::wstring Wide(const std::string& text) { return std::wstring(text.begin(), text.end()); }
 
-    // Rows by name in a pane; -1 when the name is not listed.
-    static int RowOf(CPXExplorerCtrl* view, const std::wstring& name);
-    static std::vector<std::wstring> Names(CPXExplorerCtrl* view);
     // Selects exactly these names (asserting that each is listed).
     static void Select(CPXExplorerCtrl* view, const std::vector<std::wstring>& names);
     // Waits, dispatching events, until `done` holds or `ms` pass.

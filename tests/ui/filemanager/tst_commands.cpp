@@ -71,8 +71,7 @@ TEST_F(FileManagerTest, DeletingAFolderAndTwoFilesAsksFolderThenFiles) {
     EXPECT_FALSE(FileExists(PcPath("old")));
     EXPECT_FALSE(FileExists(PcPath("one.txt")));
     EXPECT_FALSE(FileExists(PcPath("two.txt")));
-    EXPECT_EQ(FileManagerTest::Names(dialog.View(CVexaFileDlg::kLocalPane)),
-              std::vector<std::wstring>{L".."});
+    EXPECT_EQ(Names(dialog.View(CVexaFileDlg::kLocalPane)), std::vector<std::wstring>{L".."});
 }
 
 TEST_F(FileManagerTest, DeleteOnTheInstrumentNamesItAndNoKeepsEverything) {

@@ -239,20 +239,20 @@ TEST_F(FileManagerTest, ColumnClicksFlipOrStartAscending) {
     StartInstrument();
     CVexaFileDlg& dialog = OpenDialog();
     CPXExplorerCtrl* view = dialog.View(CVexaFileDlg::kLocalPane);
-    using Names = std::vector<std::wstring>;
-    const Names ascending{L"..", L"a.txt", L"b.txt", L"c.txt"};
-    EXPECT_EQ(FileManagerTest::Names(view), ascending);
+    using Rows = std::vector<std::wstring>;
+    const Rows ascending{L"..", L"a.txt", L"b.txt", L"c.txt"};
+    EXPECT_EQ(Names(view), ascending);
 
     dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
-    EXPECT_EQ(FileManagerTest::Names(view), (Names{L"..", L"c.txt", L"b.txt", L"a.txt"}));
+    EXPECT_EQ(Names(view), (Rows{L"..", L"c.txt", L"b.txt", L"a.txt"}));
     EXPECT_TRUE(view->SortDescending());
     dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
-    EXPECT_EQ(FileManagerTest::Names(view), ascending);
+    EXPECT_EQ(Names(view), ascending);
 
     // From descending by name, a new column starts ascending.
     dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnName);
     dialog.SortPane(CVexaFileDlg::kLocalPane, CPXExplorerCtrl::kColumnSize);
-    EXPECT_EQ(FileManagerTest::Names(view), (Names{L"..", L"a.txt", L"c.txt", L"b.txt"}));
+    EXPECT_EQ(Names(view), (Rows{L"..", L"a.txt", L"c.txt", L"b.txt"}));
     EXPECT_EQ(view->SortColumn(), CPXExplorerCtrl::kColumnSize);
     EXPECT_FALSE(view->SortDescending());
 }

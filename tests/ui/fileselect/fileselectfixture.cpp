@@ -50,20 +50,6 @@ std::wstring FileSelectTest::Wide(const std::string& text) {
     return QString::fromStdString(text).toStdWString();
 }
 
-int FileSelectTest::RowOf(CPXExplorerCtrl* view, const std::wstring& name) {
-    for (int row = 0; row < view->GetItemCount(); ++row)
-        if (view->GetItemText(row) == name)
-            return row;
-    return -1;
-}
-
-std::vector<std::wstring> FileSelectTest::Names(CPXExplorerCtrl* view) {
-    std::vector<std::wstring> names;
-    for (int row = 0; row < view->GetItemCount(); ++row)
-        names.push_back(view->GetItemText(row));
-    return names;
-}
-
 std::vector<std::wstring> FileSelectTest::Messages() const {
     std::vector<std::wstring> texts;
     for (const ScriptedPrompt::Question& question : m_prompt.Asked(ScriptedPrompt::Kind::Message))

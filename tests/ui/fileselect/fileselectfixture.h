@@ -2,6 +2,7 @@
 // A simulated instrument serving a copy of the demo tree, a sensor (on line once StartInstrument ran), a
 // workstation folder, the module's dialog launcher, and the file selection dialog, shown (not modal) so
 // a case can drive it directly.
+#include "../explorerrows.h"
 #include "scriptedprompt.h"
 #include "simulatedinstrument.h"
 #include "tempdir.h"
@@ -38,8 +39,6 @@ protected:
     std::wstring PcFolder() const { return Wide(m_temp.file("pc")); }
     static std::wstring Wide(const std::string& text);
 
-    static int RowOf(CPXExplorerCtrl* view, const std::wstring& name);
-    static std::vector<std::wstring> Names(CPXExplorerCtrl* view);
     std::vector<std::wstring> Messages() const;
     static bool WaitFor(const std::function<bool()>& done, int ms = 3000) {
         return QTest::qWaitFor(done, ms);

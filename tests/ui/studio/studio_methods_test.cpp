@@ -16,15 +16,6 @@
 
 namespace {
 
-int ToolRow(StudioWindow& window, const QString& name) {
-    for (int i = 0; i < window.Tools()->ToolCount(); ++i) {
-        if (window.Tools()->ToolName(i) == name)
-            return i;
-    }
-    ADD_FAILURE() << "no tool " << name.toStdString();
-    return -1;
-}
-
 std::vector<int> DialogTemplates(const ScriptedPrompt& prompt) {
     std::vector<int> templates;
     for (const ScriptedPrompt::Question& question : prompt.Asked(ScriptedPrompt::Kind::Dialog))

@@ -22,15 +22,6 @@ namespace {
 // The module's Manage Files dialog template.
 constexpr int kManageFilesTemplate = 1701;
 
-int ToolRow(StudioWindow& window, const QString& name) {
-    for (int i = 0; i < window.Tools()->ToolCount(); ++i) {
-        if (window.Tools()->ToolName(i) == name)
-            return i;
-    }
-    ADD_FAILURE() << "no tool " << name.toStdString();
-    return -1;
-}
-
 QStringList Messages(const ScriptedPrompt& prompt) {
     QStringList texts;
     for (const ScriptedPrompt::Question& question : prompt.Asked(ScriptedPrompt::Kind::Message))

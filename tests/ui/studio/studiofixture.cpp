@@ -3,6 +3,7 @@
 #include "logpane.h"
 #include "managedinstrument.h"
 #include "sensormanager.h"
+#include "toollist.h"
 
 StudioTest::StudioTest() : m_registry(m_temp.file("studio.ini")) {}
 
@@ -14,6 +15,15 @@ StudioTest::~StudioTest() {
 
 QString StudioTest::BuiltPluginDir() {
     return QStringLiteral(VEXA_PLUGIN_DIR);
+}
+
+int StudioTest::ToolRow(StudioWindow& window, const QString& name) {
+    for (int i = 0; i < window.Tools()->ToolCount(); ++i) {
+        if (window.Tools()->ToolName(i) == name)
+            return i;
+    }
+    ADD_FAILURE() << "no tool " << name.toStdString();
+    return -1;
 }
 
 StudioWindow& StudioTest::StartStudio(const QString& pluginDir, const QStringList& instruments) {

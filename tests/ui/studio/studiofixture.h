@@ -26,6 +26,8 @@ protected:
     StudioWindow& StartStudio(const QString& pluginDir, const QStringList& instruments = {});
     StudioWindow& Window() { return *m_window; }
     ManagedInstrument& Instrument(int row);
+    // The row of the tool named `name` in the window's tool list (a test failure and -1 when none).
+    static int ToolRow(StudioWindow& window, const QString& name);
     QString LogText() const;
 
     // Processes events until `done` holds or `ms` pass; returns whether it held.
