@@ -1,5 +1,7 @@
 #include "editabletable.h"
 
+#include "methodresource.h"
+
 #include <QComboBox>
 #include <QHeaderView>
 
@@ -69,5 +71,22 @@ void CEditableTable::SwapRows(int a, int b) {
         QTableWidgetItem* itemB = takeItem(b, column);
         setItem(a, column, itemB);
         setItem(b, column, itemA);
+    }
+}
+
+bool CEditableTable::RunRowCommand(int id) {
+    switch (id) {
+    case IDC_VM_ADD:
+        AddRow();
+        return true;
+    case IDC_VM_REMOVE:
+        RemoveCurrentRow();
+        return true;
+    case IDC_VM_UP:
+    case IDC_VM_DOWN:
+        MoveCurrentRow(id == IDC_VM_UP ? -1 : 1);
+        return true;
+    default:
+        return false;
     }
 }

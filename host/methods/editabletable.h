@@ -24,6 +24,9 @@ public:
     bool RemoveCurrentRow();
     // Moves the current row one place up (-1) or down (+1); false at the edge or without a current row.
     bool MoveCurrentRow(int delta);
+    // Runs the row button `id` (IDC_VM_ADD, IDC_VM_REMOVE, IDC_VM_UP or IDC_VM_DOWN) and returns true;
+    // false for any other id, which is the dialog's own.
+    bool RunRowCommand(int id);
 
 signals:
     void rowsChanged();

@@ -85,17 +85,9 @@ VexaMethodSequence CVexaMethodListDlg::SequenceFromControls(std::vector<std::wst
 }
 
 void CVexaMethodListDlg::OnCommand(int id) {
+    if (m_steps->RunRowCommand(id))
+        return;
     switch (id) {
-    case IDC_VM_ADD:
-        m_steps->AddRow();
-        break;
-    case IDC_VM_REMOVE:
-        m_steps->RemoveCurrentRow();
-        break;
-    case IDC_VM_UP:
-    case IDC_VM_DOWN:
-        m_steps->MoveCurrentRow(id == IDC_VM_UP ? -1 : 1);
-        break;
     case IDC_VM_BROWSE:
         BrowseForMethod();
         break;

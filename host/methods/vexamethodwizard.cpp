@@ -258,17 +258,9 @@ void CVexaMethodWizard::UpdateRunTime() {
 }
 
 void CVexaMethodWizard::OnCommand(int id) {
+    if (m_events->RunRowCommand(id))
+        return;
     switch (id) {
-    case IDC_VM_ADD:
-        m_events->AddRow();
-        break;
-    case IDC_VM_REMOVE:
-        m_events->RemoveCurrentRow();
-        break;
-    case IDC_VM_UP:
-    case IDC_VM_DOWN:
-        m_events->MoveCurrentRow(id == IDC_VM_UP ? -1 : 1);
-        break;
     case IDC_VM_SAVE:
         Save();
         break;
