@@ -25,115 +25,74 @@ struct Conversion {
     wchar_t conv = 0;
 };
 
+bool IsDigit(wchar_t c) {
+    return c >= L'0' && c <= L'9';
+}
+
+// A width or precision at `p`: -2 for '*', the value of the digits (held below a million), or
+// `absent` when neither is there.
+int ParseCount(const wchar_t* format, size_t& p, int absent) {
+    if (format[p] == L'*') {
+        ++p;
+        return -2;
+    }
+    if (!IsDigit(format[p]))
+        return absent;
+    int value = 0;
+    for (; IsDigit(format[p]); ++p)
+        value = value < 100000 ? value * 10 + (format[p] - L'0') : value;
+    return value;
+}
+
+// The length modifier at `p` (hh, h, l, ll, w, L, z, j, t, I, I32, I64), if any.
+Length ParseLength(const wchar_t* format, size_t& p) {
+    switch (format[p++]) {
+    case L'h':
+        return format[p] == L'h' ? (++p, Length::HH) : Length::H;
+    case L'l':
+        return format[p] == L'l' ? (++p, Length::LL) : Length::L;
+    case L'w':
+        return Length::L;
+    case L'L':
+        return Length::LongDouble;
+    case L'z':
+        return Length::Size;
+    case L'j':
+        return Length::IntMax;
+    case L't':
+        return Length::PtrDiff;
+    case L'I':
+        if (format[p] == L'6' && format[p + 1] == L'4') {
+            p += 2;
+            return Length::LL;
+        }
+        if (format[p] == L'3' && format[p + 1] == L'2') {
+            p += 2;
+            return Length::I32;
+        }
+        return Length::Size;
+    default:
+        --p;
+        return Length::None;
+    }
+}
+
 // Parses the part after '%' at `pos`; returns false (pos untouched) when the text is no conversion.
 bool ParseConversion(const wchar_t* format, size_t& pos, Conversion& conv) {
     size_t p = pos;
-    while (format[p] == L'-' || format[p] == L'+' || format[p] == L' ' || format[p] == L'0' ||
-           format[p] == L'#') {
+    for (; format[p] != 0 && std::wcschr(L"-+ 0#", format[p]); ++p)
         conv.flags += static_cast<char>(format[p]);
-        ++p;
-    }
-    if (format[p] == L'*') {
-        conv.width = -2;
-        ++p;
-    } else if (format[p] >= L'0' && format[p] <= L'9') {
-        int width = 0;
-        while (format[p] >= L'0' && format[p] <= L'9') {
-            width = width < 100000 ? width * 10 + (format[p] - L'0') : width;
-            ++p;
-        }
-        conv.width = width;
-    }
+    conv.width = ParseCount(format, p, -1);
     if (format[p] == L'.') {
         ++p;
-        if (format[p] == L'*') {
-            conv.precision = -2;
-            ++p;
-        } else {
-            int precision = 0;
-            while (format[p] >= L'0' && format[p] <= L'9') {
-                precision = precision < 100000 ? precision * 10 + (format[p] - L'0') : precision;
-                ++p;
-            }
-            conv.precision = precision;
-        }
+        conv.precision = ParseCount(format, p, 0);
     }
-    switch (format[p]) {
-    case L'h':
-        ++p;
-        conv.length = Length::H;
-        if (format[p] == L'h') {
-            conv.length = Length::HH;
-            ++p;
-        }
-        break;
-    case L'l':
-    case L'w':
-        ++p;
-        conv.length = Length::L;
-        if (format[p - 1] == L'l' && format[p] == L'l') {
-            conv.length = Length::LL;
-            ++p;
-        }
-        break;
-    case L'L':
-        ++p;
-        conv.length = Length::LongDouble;
-        break;
-    case L'z':
-        ++p;
-        conv.length = Length::Size;
-        break;
-    case L'j':
-        ++p;
-        conv.length = Length::IntMax;
-        break;
-    case L't':
-        ++p;
-        conv.length = Length::PtrDiff;
-        break;
-    case L'I':
-        ++p;
-        if (format[p] == L'6' && format[p + 1] == L'4') {
-            conv.length = Length::LL;
-            p += 2;
-        } else if (format[p] == L'3' && format[p + 1] == L'2') {
-            conv.length = Length::I32;
-            p += 2;
-        } else {
-            conv.length = Length::Size;
-        }
-        break;
-    default:
-        break;
-    }
-    switch (format[p]) {
-    case L'd':
-    case L'i':
-    case L'u':
-    case L'x':
-    case L'X':
-    case L'o':
-    case L'f':
-    case L'F':
-    case L'e':
-    case L'E':
-    case L'g':
-    case L'G':
-    case L'a':
-    case L'A':
-    case L'c':
-    case L'C':
-    case L's':
-    case L'S':
-    case L'p':
-    case L'n':
-        conv.conv = format[p];
-        pos = p + 1;
-        return true;
-    default:
+    conv.length = ParseLength(format, p);
+    if (format[p] == 0 || !std::wcschr(L"diuxXofFeEgGaAcCsSpn", format[p]))
         return false;
-    }
+    conv.conv = format[p];
+    pos = p + 1;
+    return true;
 }
 
 bool IsSigned(wchar_t conv) {
@@ -372,7 +331,8 @@ bool ParseInsert(const wchar_t* format, size_t& pos, Insert& insert) {
         size_t q = p + 1;
         Conversion conv;
         // Argument-taken widths are not supported inside inserts; such an insert stays literal text.
-        if (ParseConversion(format, q, conv) && format[q] == L'!' && conv.width != -2 && conv.precision != -2) {
+        if (ParseConversion(format, q, conv) && format[q] == L'!' && conv.width != -2 &&
+            conv.precision != -2) {
             insert.conv = conv;
             p = q + 1;
         }

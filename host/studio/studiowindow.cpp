@@ -132,20 +132,8 @@ void StudioWindow::BuildMenus() {
     help->addAction(m_aboutAction);
 }
 
-QWidget* StudioWindow::BuildCentralWidget() {
-    auto* central = new QWidget(this);
-
-    m_banner = new QLabel(central);
-    m_banner->setObjectName(QStringLiteral("pluginBanner"));
-    m_banner->setWordWrap(true);
-    m_banner->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_banner->setStyleSheet(
-        QStringLiteral("QLabel { background: #fff4ce; color: #5c4400; border: 1px solid #e0c36a;"
-                       " border-radius: 3px; padding: 6px; }"));
-    m_banner->hide();
-
-    // Left: the instruments and their buttons.
-    auto* instrumentBox = new QGroupBox(tr("Instruments"), central);
+QGroupBox* StudioWindow::BuildInstrumentBox(QWidget* parent) {
+    auto* instrumentBox = new QGroupBox(tr("Instruments"), parent);
     m_table = new QTableView(instrumentBox);
     m_table->setObjectName(QStringLiteral("instrumentList"));
     m_table->setModel(m_model);
@@ -184,26 +172,44 @@ QWidget* StudioWindow::BuildCentralWidget() {
     auto* instrumentLayout = new QVBoxLayout(instrumentBox);
     instrumentLayout->addWidget(m_table, 1);
     instrumentLayout->addLayout(buttons);
+    return instrumentBox;
+}
 
-    // Right: status above tools.
-    m_statusBox = new QGroupBox(tr("Status"), central);
+void StudioWindow::BuildStatusAndTools(QWidget* parent) {
+    m_statusBox = new QGroupBox(tr("Status"), parent);
     m_status = new StatusPanel(m_statusBox);
     connect(m_status, &StatusPanel::captionChanged, m_statusBox, &QGroupBox::setTitle);
     auto* statusLayout = new QVBoxLayout(m_statusBox);
     statusLayout->addWidget(m_status);
 
-    m_toolBox = new QGroupBox(tr("Tools"), central);
+    m_toolBox = new QGroupBox(tr("Tools"), parent);
     m_tools = new ToolListWidget(m_toolBox);
     auto* toolLayout = new QVBoxLayout(m_toolBox);
     toolLayout->addWidget(m_tools);
 
-    m_rightSplitter = new QSplitter(Qt::Vertical, central);
+    m_rightSplitter = new QSplitter(Qt::Vertical, parent);
     m_rightSplitter->setObjectName(QStringLiteral("rightSplitter"));
     m_rightSplitter->addWidget(m_statusBox);
     m_rightSplitter->addWidget(m_toolBox);
     m_rightSplitter->setStretchFactor(0, 1);
     m_rightSplitter->setStretchFactor(1, 0);
+}
 
+QWidget* StudioWindow::BuildCentralWidget() {
+    auto* central = new QWidget(this);
+
+    m_banner = new QLabel(central);
+    m_banner->setObjectName(QStringLiteral("pluginBanner"));
+    m_banner->setWordWrap(true);
+    m_banner->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_banner->setStyleSheet(
+        QStringLiteral("QLabel { background: #fff4ce; color: #5c4400; border: 1px solid #e0c36a;"
+                       " border-radius: 3px; padding: 6px; }"));
+    m_banner->hide();
+
+    // Left the instruments and their buttons, right the status above the tools.
+    QGroupBox* instrumentBox = BuildInstrumentBox(central);
+    BuildStatusAndTools(central);
     m_topSplitter = new QSplitter(Qt::Horizontal, central);
     m_topSplitter->setObjectName(QStringLiteral("topSplitter"));
     m_topSplitter->addWidget(instrumentBox);

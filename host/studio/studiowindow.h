@@ -71,6 +71,10 @@ private:
     void BuildActions();
     void BuildMenus();
     QWidget* BuildCentralWidget();
+    // The instrument list with its buttons.
+    QGroupBox* BuildInstrumentBox(QWidget* parent);
+    // The status panel above the tool list, in m_rightSplitter.
+    void BuildStatusAndTools(QWidget* parent);
     void RestoreGeometry();
     void SaveGeometry();
     void ShowPluginProblem();
