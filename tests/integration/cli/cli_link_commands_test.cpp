@@ -2,6 +2,7 @@
 #include "demotree.h"
 #include "loopback.h"
 #include "processrun.h"
+#include "simulatedinstrument.h"
 #include "simulator.h"
 #include "tempdir.h"
 
@@ -45,10 +46,11 @@ TEST(CliPing, UsageErrorsExitTwo) {
 }
 
 TEST(CliNextName, ScansThePcAndTheInstrument) {
-    TempDir instrument;
-    instrument.createFile("Data/Run007.VXS", "x");
-    instrument.createFile("Data/Sub/Run011.vxs", "x");
-    SimulatorProcess sim(instrument.path());
+    SimulatedInstrument instrument;
+    instrument.tree().createFile("Data/Run007.VXS", "x");
+    instrument.tree().createFile("Data/Sub/Run011.vxs", "x");
+    instrument.start();
+    SimulatorProcess& sim = instrument.sim();
     TempDir pc;
     pc.createFile(sim.address() + "/Data/run009.vxs", "x");
 

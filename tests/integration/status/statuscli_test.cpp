@@ -1,7 +1,7 @@
 // `vexa status` against the simulator: the text layout, the JSON shape and the exit codes.
 #include "loopback.h"
 #include "processrun.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
 
 #include <gtest/gtest.h>
@@ -23,17 +23,16 @@ std::vector<std::string> Lines(const std::string& text) {
 
 class StatusCliTest : public ::testing::Test {
 protected:
-    StatusCliTest()
-        : m_sim(m_dir.createDir("root"),
-                {"--profile",
-                 m_dir.createFile("profile.json", R"({"drift": false, "model": 5, "injectionPort": 0,
-                                                                   "cartridge": 1, "concentrator": 3})")}) {}
-    TempDir m_dir;
-    SimulatorProcess m_sim;
+    StatusCliTest() {
+        m_instrument.start({"--profile", m_dir.createFile("profile.json", R"({"drift": false, "model": 5,
+            "injectionPort": 0, "cartridge": 1, "concentrator": 3})")});
+    }
+    TempDir m_dir; // the profile, outside the instrument's tree
+    SimulatedInstrument m_instrument;
 };
 
 TEST_F(StatusCliTest, TextLayout) {
-    const ProcessResult result = RunVexa({"status", m_sim.address()}, 30000);
+    const ProcessResult result = RunVexa({"status", m_instrument.address()}, 30000);
     ASSERT_EQ(result.exitCode, 0) << result.err;
     const std::vector<std::string> lines = Lines(result.out);
     ASSERT_EQ(lines.size(), 3u + 5u + 11u + 1u) << result.out;
@@ -53,8 +52,8 @@ TEST_F(StatusCliTest, TextLayout) {
 
 TEST_F(StatusCliTest, JsonShape) {
     for (const std::vector<std::string>& args :
-         {std::vector<std::string>{"status", m_sim.address(), "--json"},
-          std::vector<std::string>{"--json", "status", "@" + m_sim.address()}}) {
+         {std::vector<std::string>{"status", m_instrument.address(), "--json"},
+          std::vector<std::string>{"--json", "status", "@" + m_instrument.address()}}) {
         const ProcessResult result = RunVexa(args, 30000);
         ASSERT_EQ(result.exitCode, 0) << result.err;
         const nlohmann::json status = nlohmann::json::parse(result.out, nullptr, false);
