@@ -5,9 +5,8 @@
 // this program is used)
 #include "explorerctrl.h"
 #include "qtpumpdispatcher.h"
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "tempdir.h"
-#include "vexacommsensor.h"
 #include "vexafiledlg.h"
 #include "vexasensorobject.h"
 
@@ -103,25 +102,24 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     InstallQtPumpDispatcher();
 
-    TempDir instrument, pc;
+    SimulatedInstrument instrument;
+    TempDir pc;
     const long long size = mebibytes * 1024 * 1024;
     WriteRandomFile(instrument.file("big.bin"), size);
-    SimulatorProcess simulator(instrument.path());
-    auto* sensor = new VEXASensorObject(nullptr, ISensorAddress(simulator.host()));
-    AttachVexaCommSensor(*sensor);
-    if (!sensor->GoOnline()) {
-        std::fprintf(stderr, "the simulator does not answer on %s\n", simulator.address().c_str());
+    instrument.start();
+    if (!instrument.goOnline()) {
+        std::fprintf(stderr, "the simulator does not answer on %s\n", instrument.address().c_str());
         return 1;
     }
     int status = 0;
     {
-        CVexaFileDlg dialog(*sensor);
+        CVexaFileDlg dialog(*instrument.sensor());
         dialog.SetLocalStartFolder(QString::fromStdString(pc.path()).toStdWString());
         dialog.resize(1000, 640);
         dialog.show();
         QApplication::processEvents();
         std::printf("%lld MiB of random bytes, Manage Files, simulator on %s\n", mebibytes,
-                    simulator.address().c_str());
+                    instrument.address().c_str());
         if (!TimedCopy("instrument -> PC", dialog, CVexaFileDlg::kRemotePane, &CVexaFileDlg::CopyToLocal,
                        pc.file("big.bin"), size))
             status = 1;
@@ -133,7 +131,5 @@ int main(int argc, char** argv) {
                                       &CVexaFileDlg::CopyToRemote, instrument.file("big.bin"), size))
             status = 1;
     }
-    sensor->Disconnect(0);
-    sensor->DecRef();
     return status;
 }

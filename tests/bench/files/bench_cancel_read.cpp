@@ -3,9 +3,8 @@
 // reading the rest would have cost at the rate the first part came in.
 // Usage: bench_cancel_read [MiB] [percent]   (1024 and 10 by default; VEXA_SIM names vexa-sim, else the
 // one beside this program is used)
-#include "simulator.h"
+#include "simulatedinstrument.h"
 #include "stdiofile.h"
-#include "tempdir.h"
 #include "vexasensorobject.h"
 #include "vxsstdiofileimpl.h"
 
@@ -34,23 +33,22 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: bench_cancel_read [MiB > 0] [percent 1..99]\n");
         return 2;
     }
-    TempDir root;
+    SimulatedInstrument instrument;
     const long long size = mib << 20;
-    if (::truncate(root.createFile("Data/big.bin").c_str(), size) != 0) {
+    if (::truncate(instrument.tree().createFile("Data/big.bin").c_str(), size) != 0) {
         std::perror("truncate");
         return 1;
     }
-    root.createFile("Data/small.txt", "the next transfer\n");
-    SimulatorProcess sim(root.path(), {"--no-compress"});
-    auto* sensor = new VEXASensorObject(nullptr, ISensorAddress(sim.host()));
-    if (!sensor->GoOnline()) {
-        std::fprintf(stderr, "the sensor did not go on line to %s\n", sim.address().c_str());
+    instrument.tree().createFile("Data/small.txt", "the next transfer\n");
+    instrument.start({"--no-compress"});
+    if (!instrument.goOnline(SimulatedInstrument::Commands::None)) {
+        std::fprintf(stderr, "the sensor did not go on line to %s\n", instrument.address().c_str());
         return 1;
     }
-    const std::wstring host = L"@" + sim.host() + L":";
+    const VEXASensorObject* sensor = instrument.sensor();
 
     StdioFile file;
-    if (!file.Open(host + L"/Data/big.bin", L"rb")) {
+    if (!file.Open(instrument.remote(L"/Data/big.bin"), L"rb")) {
         std::fprintf(stderr, "open failed: %d\n", file.GetError());
         return 1;
     }
@@ -73,7 +71,7 @@ int main(int argc, char** argv) {
 
     StdioFile next;
     std::wstring text;
-    const bool nextOk = next.Open(host + L"/Data/small.txt", L"r") && next.ReadString(text) &&
+    const bool nextOk = next.Open(instrument.remote(L"/Data/small.txt"), L"r") && next.ReadString(text) &&
                         text == L"the next transfer" && sensor->IsOnline(true);
     const double rate = double(done) / readSeconds;
     std::printf("read %lld of %lld MiB (%lld %%) in %.2f s (%.1f MB/s)\n", done >> 20, mib, percent,
@@ -84,7 +82,5 @@ int main(int argc, char** argv) {
                 double(size - done) / rate);
     std::printf("next transfer on the same sensor: %s\n", nextOk ? "correct" : "WRONG");
     next.Close();
-    sensor->Disconnect(0);
-    sensor->DecRef();
     return nextOk ? 0 : 1;
 }
