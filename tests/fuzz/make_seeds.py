@@ -106,6 +106,15 @@ SEEDS = {
     },
 }
 
+# fuzz_data_library: the demo instrument's files, behind the byte that picks their reader.
+DEMO = os.path.join(HERE, '..', '..', 'tools', 'vexa-sim', 'demo')
+SEEDS['fuzz_data_library'] = {}
+for selector, relative in ((0, 'Tune/Default.tun'), (1, 'Tune/Reports/Default.rpt'), (2, 'Data/run1.vxs'),
+                           (2, 'Data/Survey001.vxz'), (3, 'Method/Default.mth'), (3, 'Method/Survey.mth'),
+                           (3, 'Method/Site.xmth'), (3, 'Data/Run007.vxs')):
+    with open(os.path.join(DEMO, relative), 'rb') as demo:
+        SEEDS['fuzz_data_library'][os.path.basename(relative)] = bytes([selector]) + demo.read()
+
 for target, seeds in SEEDS.items():
     folder = os.path.join(HERE, 'corpus', target)
     os.makedirs(folder, exist_ok=True)
