@@ -71,8 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     case 2: {
         std::map<std::wstring, std::wstring> parameters;
-        if (LooksLikeDataFile(bytes))
-            ReadParameters(bytes, &parameters);
+        if (VexaDataFile::LooksLikeDataFile(bytes))
+            VexaDataFile::ReadParameters(bytes, &parameters);
         break;
     }
     default:

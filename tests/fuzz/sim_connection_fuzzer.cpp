@@ -2,6 +2,7 @@
 // every file command with its path confinement, uploads and the command language. After every run the
 // folder beside the served root must be exactly as it was: a request that reaches it is an escape,
 // and the run aborts.
+#include "backupservice.h"
 #include "commandlanguage.h"
 #include "deviceprofile.h"
 #include "faultplan.h"
@@ -111,8 +112,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const PathConfinement paths(playground.root);
     static const FileService files(paths, true);
     static InstrumentState state(DeviceProfile::Default());
-    static CommandLanguage commands(state);
     static const FaultPlan faults;
+    // Backup items are paths from the peer too: they must stay inside the root like every other name.
+    static BackupService backups(paths, state, faults);
+    static CommandLanguage commands(state, backups);
     static int runs = 0;
     if (++runs % 500 == 0)
         playground.Reset();

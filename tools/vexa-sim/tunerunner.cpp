@@ -16,7 +16,6 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int kDefaultTuneNumber = 3;
 constexpr const char* kDemoTune = "/Tune/Default.tun";
 // The instrument's own acceptance: abundance within 20 % of the target, peak width within 0.1 amu.
 constexpr double kAbundanceTolerance = 0.20;
