@@ -44,9 +44,12 @@ vexa_cache_launcher() {
 
 # The unit and integration tests under AddressSanitizer and UndefinedBehaviorSanitizer. The Qt parts
 # are left out: their tests drive widgets, not the code that takes bytes from outside.
+# -O1 with line tables only: what the sanitizers advise, half the compile time of -O2 -g, and the
+# assertions stay on.
 vexa_build_sanitized() {
     # shellcheck disable=SC2046
-    vexa_build "$1" -DVEXA_SANITIZE=ON -DVEXA_BUILD_UI=OFF $(vexa_cache_launcher)
+    vexa_build "$1" -DVEXA_SANITIZE=ON -DVEXA_BUILD_UI=OFF -DVEXA_BUILD_BENCH=OFF $(vexa_cache_launcher) \
+        "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1" "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O1 -g1"
 }
 
 # The libFuzzer targets of tests/fuzz, built with clang in a tree of their own.
@@ -55,6 +58,7 @@ vexa_build_fuzzers() {
     # shellcheck disable=SC2046
     cmake -G Ninja -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo $(vexa_cache_launcher) \
         -DCMAKE_C_COMPILER=clang-14 -DCMAKE_CXX_COMPILER=clang++-14 \
+        "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1" "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O1 -g1" \
         -DVEXA_FUZZ=ON -DVEXA_BUILD_UI=OFF -DVEXA_BUILD_TESTS=OFF >/dev/null
     cmake --build "$build_dir" -j"$(nproc)" --target vexa_fuzzers
 }
