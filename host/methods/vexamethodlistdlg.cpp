@@ -23,7 +23,9 @@ QPushButton* Button(const QString& text, int id) {
 
 CVexaMethodListDlg::CVexaMethodListDlg(const VexaMethodSequence& sequence, const std::wstring& fileName,
                                        QWidget* parent)
-    : CDialog_(IDD_VEXA_METHOD_LIST, parent), m_saved(sequence), m_fileName(fileName) {
+    : CMethodFileDialog(IDD_VEXA_METHOD_LIST, fileName, L"xmth", L"sequence", tr("Method Sequence"),
+                        tr("New sequence"), parent),
+      m_saved(sequence) {
     BuildControls();
     ConnectControls();
 }
@@ -112,49 +114,18 @@ void CVexaMethodListDlg::BrowseForMethod() {
         item->setText(QString::fromStdWString(chosen));
 }
 
-bool CVexaMethodListDlg::Save() {
-    return m_fileName.empty() ? SaveAs() : SaveTo(m_fileName);
-}
-
-bool CVexaMethodListDlg::SaveAs() {
-    std::wstring chosen;
-    if (!m_chooser || !m_chooser(m_fileName, L"xmth", &chosen) || chosen.empty())
-        return false;
-    return SaveTo(chosen);
-}
-
-bool CVexaMethodListDlg::SaveTo(const std::wstring& name) {
+bool CVexaMethodListDlg::WriteTo(const std::wstring& name) {
     std::vector<std::wstring> problems;
     const VexaMethodSequence sequence = SequenceFromControls(&problems);
     const std::vector<std::wstring> checks = sequence.CheckSettings();
     problems.insert(problems.end(), checks.begin(), checks.end());
-    if (!problems.empty()) {
-        std::wstring text = L"The sequence cannot be saved:";
-        for (const std::wstring& problem : problems)
-            text += L"\n- " + problem;
-        ShowMessage(text, {}, PromptIcon::Warning);
+    if (!SaveChecked(problems, [&](VexaFileRef& file) { return sequence.Save(file, name); }))
         return false;
-    }
-    VexaFileRef file;
-    if (!sequence.Save(file, name)) {
-        ShowMessage(file.GetLastErrorText(), {}, PromptIcon::Error);
-        return false;
-    }
     m_saved = sequence;
-    m_fileName = name;
-    UpdateTitle();
     return true;
 }
 
-void CVexaMethodListDlg::OnCancel() {
+bool CVexaMethodListDlg::HasChanges() const {
     std::vector<std::wstring> problems;
-    if (!(SequenceFromControls(&problems) == m_saved) &&
-        AskYesNo(L"The sequence has changes that are not saved. Close without saving?") != IDYES)
-        return;
-    CDialog_::OnCancel();
-}
-
-void CVexaMethodListDlg::UpdateTitle() {
-    const QString name = m_fileName.empty() ? tr("New sequence") : QString::fromStdWString(m_fileName);
-    setWindowTitle(tr("Method Sequence - %1").arg(name));
+    return !(SequenceFromControls(&problems) == m_saved);
 }

@@ -1,8 +1,7 @@
 #pragma once
 // The method sequence editor: steps of a method (a full name, local or on an instrument) and a repeat
 // count, added, removed and reordered, saved to a .xmth file on the PC or an instrument.
-#include "dialog.h"
-#include "savenamechooser.h"
+#include "methodfiledialog.h"
 #include "vexamethodsequence.h"
 
 #include <functional>
@@ -11,7 +10,7 @@
 
 class CEditableTable;
 
-class CVexaMethodListDlg : public CDialog_ {
+class CVexaMethodListDlg : public CMethodFileDialog {
     Q_OBJECT
 public:
     // Picks a method for a step; true with its full name. Without one, the step's name is typed.
@@ -20,30 +19,23 @@ public:
     CVexaMethodListDlg(const VexaMethodSequence& sequence, const std::wstring& fileName,
                        QWidget* parent = nullptr);
 
-    void SetSaveNameChooser(VexaSaveNameChooser chooser) { m_chooser = std::move(chooser); }
     void SetMethodChooser(MethodChooser chooser) { m_methodChooser = std::move(chooser); }
-    const std::wstring& GetFileName() const { return m_fileName; }
     const VexaMethodSequence& GetSavedSequence() const { return m_saved; }
 
     VexaMethodSequence SequenceFromControls(std::vector<std::wstring>* problems) const;
-    bool Save();
-    bool SaveAs();
 
 protected:
     bool OnInitDialog() override;
     void OnCommand(int id) override;
-    void OnCancel() override;
+    bool WriteTo(const std::wstring& name) override;
+    bool HasChanges() const override;
 
 private:
     void BuildControls();
     void FillRow(int row, const VexaSequenceStep& step);
     void BrowseForMethod();
-    bool SaveTo(const std::wstring& name);
-    void UpdateTitle();
 
     VexaMethodSequence m_saved;
-    std::wstring m_fileName;
-    VexaSaveNameChooser m_chooser = ChooseLocalSaveName;
     MethodChooser m_methodChooser;
     CEditableTable* m_steps = nullptr;
 };

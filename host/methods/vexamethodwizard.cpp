@@ -57,19 +57,13 @@ int ComboValue(const QComboBox* combo) {
     return combo->currentData().toInt();
 }
 
-std::wstring ProblemList(const std::vector<std::wstring>& problems) {
-    std::wstring text = L"The method cannot be saved:";
-    for (const std::wstring& problem : problems)
-        text += L"\n- " + problem;
-    return text;
-}
-
 } // namespace
 
 CVexaMethodWizard::CVexaMethodWizard(const VexaMethod& method, const std::wstring& fileName,
                                      VexaWizardMode mode, QWidget* parent, const std::wstring& extension)
-    : CDialog_(IDD_VEXA_METHOD_WIZARD, parent), m_saved(method), m_fileName(fileName), m_extension(extension),
-      m_mode(mode) {
+    : CMethodFileDialog(IDD_VEXA_METHOD_WIZARD, fileName, extension, L"method", tr("Method Editor"),
+                        tr("New method"), parent),
+      m_saved(method), m_mode(mode) {
     BuildControls();
     ConnectControls();
 }
@@ -272,47 +266,18 @@ void CVexaMethodWizard::OnCommand(int id) {
     }
 }
 
-bool CVexaMethodWizard::Save() {
-    return m_fileName.empty() ? SaveAs() : SaveTo(m_fileName);
-}
-
-bool CVexaMethodWizard::SaveAs() {
-    std::wstring chosen;
-    if (!m_chooser || !m_chooser(m_fileName, m_extension, &chosen) || chosen.empty())
-        return false;
-    return SaveTo(chosen);
-}
-
-bool CVexaMethodWizard::SaveTo(const std::wstring& name) {
+bool CVexaMethodWizard::WriteTo(const std::wstring& name) {
     std::vector<std::wstring> problems;
     const VexaMethod method = MethodFromControls(&problems);
     const std::vector<std::wstring> checks = method.CheckSettings();
     problems.insert(problems.end(), checks.begin(), checks.end());
-    if (!problems.empty()) {
-        ShowMessage(ProblemList(problems), {}, PromptIcon::Warning);
+    if (!SaveChecked(problems, [&](VexaFileRef& file) { return method.Save(file, name); }))
         return false;
-    }
-    VexaFileRef file;
-    if (!method.Save(file, name)) {
-        ShowMessage(file.GetLastErrorText(), {}, PromptIcon::Error);
-        return false;
-    }
     m_saved = method;
-    m_fileName = name;
-    UpdateTitle();
     return true;
 }
 
-// Closing with changes that were not saved asks first, so edits are never dropped silently.
-void CVexaMethodWizard::OnCancel() {
+bool CVexaMethodWizard::HasChanges() const {
     std::vector<std::wstring> problems;
-    if (!(MethodFromControls(&problems) == m_saved) &&
-        AskYesNo(L"The method has changes that are not saved. Close without saving?") != IDYES)
-        return;
-    CDialog_::OnCancel();
-}
-
-void CVexaMethodWizard::UpdateTitle() {
-    const QString name = m_fileName.empty() ? tr("New method") : QString::fromStdWString(m_fileName);
-    setWindowTitle(tr("Method Editor - %1").arg(name));
+    return !(MethodFromControls(&problems) == m_saved);
 }

@@ -1,11 +1,8 @@
 #pragma once
 // The method editor: the settings of one method (description, model, sample input device, modes,
 // concentrator) and, in expert mode, the oven programme, the mass range and the event table with its
-// rows added, removed and reordered. Save writes the file the method came from (Save As when it has
-// none yet); Save As asks the save-name chooser, so a method goes to the PC or an instrument. Nothing
-// is saved that the method's checks refuse: the user is told what to correct.
-#include "dialog.h"
-#include "savenamechooser.h"
+// rows added, removed and reordered. Saving and closing as CMethodFileDialog describes.
+#include "methodfiledialog.h"
 #include "vexamethod.h"
 #include "wizardmode.h"
 
@@ -18,7 +15,7 @@ class QLabel;
 class QLineEdit;
 class QSpinBox;
 
-class CVexaMethodWizard : public CDialog_ {
+class CVexaMethodWizard : public CMethodFileDialog {
     Q_OBJECT
 public:
     // Edits a copy of `method`; `fileName` is where it came from (empty for a new method), and
@@ -26,21 +23,18 @@ public:
     CVexaMethodWizard(const VexaMethod& method, const std::wstring& fileName, VexaWizardMode mode,
                       QWidget* parent = nullptr, const std::wstring& extension = L"mth");
 
-    void SetSaveNameChooser(VexaSaveNameChooser chooser) { m_chooser = std::move(chooser); }
-    const std::wstring& GetFileName() const { return m_fileName; }
     // The method as last saved (or as given, when it was never saved).
     const VexaMethod& GetSavedMethod() const { return m_saved; }
     VexaWizardMode GetMode() const { return m_mode; }
 
     // What the controls hold now, as a method; problems of the controls' texts go to *problems.
     VexaMethod MethodFromControls(std::vector<std::wstring>* problems) const;
-    bool Save();
-    bool SaveAs();
 
 protected:
     bool OnInitDialog() override;
     void OnCommand(int id) override;
-    void OnCancel() override;
+    bool WriteTo(const std::wstring& name) override;
+    bool HasChanges() const override;
 
 private:
     void BuildControls();
@@ -51,14 +45,9 @@ private:
     void ShowMethod(const VexaMethod& method);
     void RefillAccessories(int model, int accessory);
     void UpdateRunTime();
-    bool SaveTo(const std::wstring& name);
-    void UpdateTitle();
 
     VexaMethod m_saved;
-    std::wstring m_fileName;
-    std::wstring m_extension;
     VexaWizardMode m_mode;
-    VexaSaveNameChooser m_chooser = ChooseLocalSaveName;
 
     QLineEdit* m_description = nullptr;
     QComboBox* m_model = nullptr;

@@ -42,8 +42,12 @@ TEST(MethodListDlgTest, StepsAddedReorderedSavedAndReloaded) {
     auto* steps = qobject_cast<CEditableTable*>(dialog.GetDlgItem(IDC_VML_STEPS));
     ASSERT_NE(steps, nullptr);
 
+    EXPECT_EQ(dialog.windowTitle(), "Method Sequence - New sequence");
     EXPECT_FALSE(dialog.Save()) << "an empty sequence is refused";
     ASSERT_EQ(prompt.Asked(ScriptedPrompt::Kind::Message).size(), 1u);
+    EXPECT_EQ(
+        prompt.Asked(ScriptedPrompt::Kind::Message)[0].text.rfind(L"The sequence cannot be saved:\n- ", 0),
+        0u);
 
     ASSERT_TRUE(dialog.PressButton(IDC_VM_ADD));
     SetCell(steps, 0, 0, "/pc/Default.mth");
@@ -56,6 +60,7 @@ TEST(MethodListDlgTest, StepsAddedReorderedSavedAndReloaded) {
                                                     {L"/pc/Default.mth", 3}};
     EXPECT_EQ(Load(path).GetSteps(), expected);
     EXPECT_TRUE(Load(path) == dialog.GetSavedSequence());
+    EXPECT_EQ(dialog.windowTitle().toStdWString(), L"Method Sequence - " + path);
 
     // A repeat that is no number, and one out of range, keep the file as it was.
     const std::string before = ReadWholeFile(ToUtf8(path));

@@ -119,6 +119,8 @@ TEST_F(MethodWizardTest, InvalidSettingsAreNamedAndNothingIsWritten) {
         EXPECT_FALSE(wizard->Save()) << c.what;
         const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
         ASSERT_EQ(messages.size(), 1u) << c.what;
+        EXPECT_EQ(messages[0].text.rfind(L"The method cannot be saved:\n- ", 0), 0u)
+            << ToUtf8(messages[0].text);
         EXPECT_NE(messages[0].text.find(c.expected), std::wstring::npos) << ToUtf8(messages[0].text);
         EXPECT_EQ(ReadWholeFile(ToUtf8(m_path)), before) << c.what;
         m_prompt.QueueYesNo(IDYES); // close without saving
@@ -140,9 +142,11 @@ TEST_F(MethodWizardTest, NewMethodSavesThroughTheChooserAndBasicModeHidesTheProg
     EXPECT_FALSE(wizard.GetDlgItem(IDC_VMW_EXPERT_GROUP)->isVisible());
     EXPECT_TRUE(wizard.GetDlgItem(IDC_VMW_DESCRIPTION)->isVisible());
     Control<QLineEdit>(wizard, IDC_VMW_DESCRIPTION)->setText("Fresh");
+    EXPECT_EQ(wizard.windowTitle(), "Method Editor - New method");
     ASSERT_TRUE(wizard.PressButton(IDC_VM_SAVE)) << "no name yet: Save asks for one";
     EXPECT_EQ(offered, std::vector<std::wstring>{L"|mth"});
     EXPECT_EQ(wizard.GetFileName(), target);
+    EXPECT_EQ(wizard.windowTitle().toStdWString(), L"Method Editor - " + target);
     EXPECT_EQ(Load(target).getDescription(), L"Fresh");
     EXPECT_TRUE(Load(target).IsValid());
 }
@@ -156,5 +160,7 @@ TEST_F(MethodWizardTest, ClosingWithUnsavedChangesAsksFirst) {
     m_prompt.QueueYesNo(IDYES);
     wizard->reject();
     EXPECT_FALSE(wizard->isVisible());
-    EXPECT_EQ(m_prompt.Asked(ScriptedPrompt::Kind::YesNo).size(), 2u);
+    const auto asked = m_prompt.Asked(ScriptedPrompt::Kind::YesNo);
+    ASSERT_EQ(asked.size(), 2u);
+    EXPECT_EQ(asked[0].text, L"The method has changes that are not saved. Close without saving?");
 }
