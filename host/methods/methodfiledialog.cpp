@@ -1,5 +1,6 @@
 #include "methodfiledialog.h"
 
+#include "methodresource.h"
 #include "vexafileref.h"
 
 CMethodFileDialog::CMethodFileDialog(int templateId, const std::wstring& fileName,
@@ -42,6 +43,15 @@ bool CMethodFileDialog::SaveChecked(const std::vector<std::wstring>& problems,
         return false;
     }
     return true;
+}
+
+void CMethodFileDialog::OnCommand(int id) {
+    if (id == IDC_VM_SAVE)
+        Save();
+    else if (id == IDC_VM_SAVE_AS)
+        SaveAs();
+    else
+        CDialog_::OnCommand(id);
 }
 
 void CMethodFileDialog::OnCancel() {

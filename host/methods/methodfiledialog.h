@@ -29,6 +29,8 @@ protected:
                       const std::wstring& noun, const QString& caption, const QString& untitled,
                       QWidget* parent);
 
+    // The Save and Save As buttons (IDC_VM_SAVE, IDC_VM_SAVE_AS); other ids go to the dialog base.
+    void OnCommand(int id) override;
     void OnCancel() override;
     void UpdateTitle();
 

@@ -89,19 +89,10 @@ VexaMethodSequence CVexaMethodListDlg::SequenceFromControls(std::vector<std::wst
 void CVexaMethodListDlg::OnCommand(int id) {
     if (m_steps->RunRowCommand(id))
         return;
-    switch (id) {
-    case IDC_VM_BROWSE:
+    if (id == IDC_VM_BROWSE)
         BrowseForMethod();
-        break;
-    case IDC_VM_SAVE:
-        Save();
-        break;
-    case IDC_VM_SAVE_AS:
-        SaveAs();
-        break;
-    default:
-        CDialog_::OnCommand(id);
-    }
+    else
+        CMethodFileDialog::OnCommand(id);
 }
 
 void CVexaMethodListDlg::BrowseForMethod() {

@@ -252,18 +252,8 @@ void CVexaMethodWizard::UpdateRunTime() {
 }
 
 void CVexaMethodWizard::OnCommand(int id) {
-    if (m_events->RunRowCommand(id))
-        return;
-    switch (id) {
-    case IDC_VM_SAVE:
-        Save();
-        break;
-    case IDC_VM_SAVE_AS:
-        SaveAs();
-        break;
-    default:
-        CDialog_::OnCommand(id);
-    }
+    if (!m_events->RunRowCommand(id))
+        CMethodFileDialog::OnCommand(id);
 }
 
 bool CVexaMethodWizard::WriteTo(const std::wstring& name) {
