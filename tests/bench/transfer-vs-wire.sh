@@ -4,7 +4,9 @@
 # and curl over FTP (pyftpdlib). Every figure is the median of ROUNDS runs; the machine is shared, so
 # compare figures of the same run only.
 # Usage: tests/bench/transfer-vs-wire.sh [MiB] [rounds]   (256 and 3 by default)
-# Environment: BUILD (the build folder, default build), VEXA_BENCH_ADDRESS (default 127.0.77.1).
+# Environment: BUILD (the build folder, default build), VEXA_BENCH_ADDRESS (default 127.0.77.1),
+# VEXA_BENCH_DIR (where the files go, default /tmp; /dev/shm takes the disk out of the figures, which
+# on a virtual machine's disk vary by a factor of two from run to run).
 set -euo pipefail
 
 MIB=${1:-256}
@@ -16,7 +18,7 @@ RAW_PORT=4841
 FTP_PORT=2121
 PY=/usr/bin/python3
 
-WORK=$(mktemp -d /tmp/vexa-bench-XXXXXX)
+WORK=$(mktemp -d "${VEXA_BENCH_DIR:-/tmp}/vexa-bench-XXXXXX")
 PIDS=()
 cleanup() {
     for pid in "${PIDS[@]}"; do kill "$pid" 2>/dev/null || true; done
@@ -54,9 +56,11 @@ EOF
 PIDS+=($!)
 sleep 1
 
-# Seconds of one command, stdout and stderr dropped.
+# Seconds of one command, stdout and stderr dropped. The file system writes back what earlier runs left
+# first, so no run pays for the gigabytes written before it.
 seconds() {
     local start end
+    sync
     start=$(date +%s.%N)
     "$@" >/dev/null 2>&1 || { echo "failed: $*" >&2; return 1; }
     end=$(date +%s.%N)
@@ -66,6 +70,7 @@ median() { printf '%s\n' "$@" | sort -g | sed -n "$(((${#@} + 1) / 2))p"; }
 measure() {
     local times=() i
     for ((i = 0; i < ROUNDS; ++i)); do times+=("$(seconds "$@")"); done
+    echo "  $(basename "$1") ${*: -2:1}: ${times[*]}" >&2
     median "${times[@]}"
 }
 raw_get() { cat </dev/tcp/"$ADDRESS"/"$RAW_PORT" >"$WORK/pc/raw.bin"; }
