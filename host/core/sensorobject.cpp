@@ -266,10 +266,12 @@ void ISensorObject::Disconnect(uint32_t reason) {
     if (std::find(t_disconnecting.begin(), t_disconnecting.end(), this) != t_disconnecting.end())
         return;
     t_disconnecting.push_back(this);
+    // Off line before the connections close: a poll on another thread that fails because they closed
+    // then finds the sensor off line already and does not report a reason of its own.
+    const ISensorState previous = m_state.exchange(kSensorOffline);
     Connect(false);
     if (m_comm)
         m_comm->Close();
-    const ISensorState previous = m_state.exchange(kSensorOffline);
     for (const auto& device : m_devices)
         device->ClearSnapshot();
     std::erase(t_disconnecting, this);

@@ -21,8 +21,9 @@ public:
     // Starts one poll of the sensor; false while its previous poll is still running.
     bool Start(ISensorObject* sensor, qint64 now);
     bool IsPolling(const ISensorObject* sensor) const;
-    // Waits for the polls in flight and lets go of their sensors. Take the sensors off line first: a
-    // closed channel ends a poll at once, a silent one only at the link's time limit.
+    // Waits for the polls in flight and lets go of their sensors. Take the sensors off line first:
+    // closing a channel ends its poll at once, where a poll on a silent instrument would otherwise
+    // wait for the link's time limit.
     void Finish();
 
 signals:

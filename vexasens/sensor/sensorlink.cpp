@@ -25,6 +25,9 @@ constexpr int kSendFlags = 0;
 void CloseSocketHandle(LinkSocket s) {
     closesocket(s);
 }
+void ShutDownSocket(LinkSocket s) {
+    shutdown(s, SD_BOTH);
+}
 bool MakeNonBlocking(LinkSocket s) {
     u_long on = 1;
     return ioctlsocket(s, FIONBIO, &on) == 0;
@@ -36,6 +39,9 @@ bool WouldBlock(int error) {
 constexpr int kSendFlags = MSG_NOSIGNAL; // a closed peer must give EPIPE, not kill the process
 void CloseSocketHandle(LinkSocket s) {
     ::close(s);
+}
+void ShutDownSocket(LinkSocket s) {
+    ::shutdown(s, SHUT_RDWR);
 }
 bool MakeNonBlocking(LinkSocket s) {
     int flags = fcntl(s, F_GETFL, 0);
@@ -105,7 +111,10 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
         m_lastError = LastSocketError();
         return;
     }
-    m_socket = s;
+    {
+        std::lock_guard handle(m_handleLock);
+        m_socket = s;
+    }
     MakeNonBlocking(s);
 
     sockaddr_in sa{};
@@ -128,7 +137,7 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
         int error2 = 0;
         for (;;) {
             PumpWaitSocket(intptr_t(m_socket), true, int(kSliceMs));
-            if (m_socket == kInvalidSocket) { // closed by a handler dispatched during the wait
+            if (m_socket == kInvalidSocket || m_interrupted) { // closed by a handler or another thread
                 error2 = kWsaNotConn;
                 break;
             }
@@ -161,11 +170,27 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
 }
 
 void SensorLink::Close() {
+    // Another thread may hold the lock in a wait on a silent instrument for up to three seconds (a
+    // status poll, a transfer); ending its wait first lets going off line happen at once.
+    Interrupt();
     std::lock_guard lock(m_lock);
+    std::lock_guard handle(m_handleLock);
     if (m_socket != kInvalidSocket) {
         CloseSocketHandle(m_socket);
         m_socket = kInvalidSocket;
     }
+    m_interrupted = false;
+}
+
+// Shutting the socket down wakes a wait on it at once; the flag makes the woken call fail instead of
+// reading the shut-down socket's zero bytes until its time limit. The handle lock keeps the socket from
+// being closed, and its number reused, under the shutdown.
+void SensorLink::Interrupt() {
+    std::lock_guard handle(m_handleLock);
+    if (m_socket == kInvalidSocket)
+        return;
+    m_interrupted = true;
+    ShutDownSocket(m_socket);
 }
 
 bool SensorLink::IsOpen() const {
@@ -217,7 +242,7 @@ int SensorLink::Transfer(void* buffer, int count, bool sending) {
                 m_onTimeout();
             return -1;
         }
-        if (m_socket == kInvalidSocket) { // closed by a handler during a wait
+        if (m_socket == kInvalidSocket || m_interrupted) { // closed by a handler or another thread
             m_lastError = kWsaNotConn;
             return -1;
         }
@@ -232,7 +257,8 @@ int SensorLink::Transfer(void* buffer, int count, bool sending) {
             PumpWaitSocket(intptr_t(m_socket), sending, int(kSliceMs));
         } else if (n == 0) {
             // A closed peer reads as zero bytes again and again: wait the full slice so it cannot spin.
-            PumpWait(kSliceMs);
+            if (!m_interrupted)
+                PumpWait(kSliceMs);
         } else {
             total += int(n);
             if (sending)

@@ -5,6 +5,7 @@
 //
 // Every socket operation holds the link's recursive lock for that one call. The waits dispatch the
 // calling thread's events (PumpWait), so a handler on the same thread may re-enter the link.
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -35,6 +36,8 @@ public:
     // Opens the connection to host:port and sends the hello frame. The outcome is IsOpen() and
     // LastError() (22 unresolvable host, 10060 after 5000 ms, or the socket's error).
     void Open(const std::wstring& host, uint16_t port = kLinkPort);
+    // Closes the connection. A send or receive in progress on another thread ends at once with 10057
+    // instead of holding the caller up to its time limit.
     void Close();
     bool IsOpen() const;
     int Receive(void* buffer, int count);
@@ -45,9 +48,13 @@ public:
 
 private:
     int Transfer(void* buffer, int count, bool sending);
+    void Interrupt();
 
     std::function<void()> m_onTimeout;
-    LinkSocket m_socket = kInvalidSocket;
+    LinkSocket m_socket = kInvalidSocket; // changed only with both locks held
     mutable std::recursive_mutex m_lock;
+    // Guards the socket handle alone, so Interrupt can reach it while another thread holds m_lock.
+    std::mutex m_handleLock;
+    std::atomic<bool> m_interrupted{false};
     int m_lastError = 0;
 };

@@ -11,9 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -21,11 +24,12 @@ namespace {
 // A simulator with a fixed profile and a sensor object made by the VEXA sensor type, on line.
 class SimulatedSensor : public ::testing::Test {
 protected:
-    void Start(const std::string& profile) {
+    void Start(const std::string& profile, std::vector<std::string> simArgs = {}) {
         RegisterVexaStrings();
         m_info.Initialize(nullptr);
-        const std::string profilePath = m_dir.createFile("profile.json", profile);
-        m_instrument.start({"--profile", profilePath});
+        simArgs.push_back("--profile");
+        simArgs.push_back(m_dir.createFile("profile.json", profile));
+        m_instrument.start(simArgs);
         m_sensor = SensorRef<VEXASensorObject>::AdoptIf(
             m_info.CreateSensorObject(nullptr, ISensorAddress(m_instrument.host())));
         ASSERT_TRUE(m_sensor);
@@ -138,6 +142,41 @@ TEST_F(SimulatedSensor, LostInstrumentTakesTheSensorOffLine) {
     EXPECT_TRUE(observer.has(kSensorEventOffline));
     EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
     EXPECT_EQ(m_sensor->GetStatusValue(0, 0), L"Not Available");
+    observer.SetSensor(nullptr);
+}
+
+TEST_F(SimulatedSensor, GoingOffLineDoesNotWaitForAPollOnASlowInstrument) {
+    // The answer comes 2.5 s late: the poll holds the command connection all that time.
+    Start("{}", {"--reply-delay", "2500"});
+    RecordingObserver observer;
+    observer.SetSensor(m_sensor.get());
+    const auto pollStart = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point pollEnd;
+    std::thread poll([&] {
+        m_sensor->OnTimer(0);
+        pollEnd = std::chrono::steady_clock::now();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+
+    const uint32_t start = TickCount();
+    m_sensor->Disconnect(0);
+    const uint32_t offlineMs = TickCount() - start;
+    poll.join();
+    EXPECT_LT(offlineMs, 1000u) << "going off line waited for the poll";
+    EXPECT_LT(pollEnd - pollStart, std::chrono::milliseconds(1500)) << "the poll was not cut short";
+    EXPECT_FALSE(m_sensor->IsOnline(false));
+    EXPECT_FALSE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
+    // One off-line event, the operator's, without a reason the cut-short poll would have added.
+    const std::vector<uint32_t> codes = observer.codes();
+    EXPECT_EQ(std::count(codes.begin(), codes.end(), kSensorEventOffline), 1);
+    std::wstring reason;
+    ASSERT_TRUE(observer.has(kSensorEventOffline, &reason));
+    EXPECT_EQ(reason, L"");
+
+    // The instrument is still there: back on line, the next poll answers (late, as set).
+    ASSERT_TRUE(m_sensor->GoOnline());
+    m_sensor->OnTimer(0);
+    EXPECT_TRUE(m_sensor->GetDevice(L"VEXA").HasSnapshot());
     observer.SetSensor(nullptr);
 }
 

@@ -194,6 +194,34 @@ TEST(Link, ClosedPeerEndsOnlyByTheTimeLimitWithoutSpinning) {
     EXPECT_LT(double(std::clock() - cpuStart) / CLOCKS_PER_SEC, 0.5);
 }
 
+TEST(Link, ClosingFromAnotherThreadEndsAWaitingReceiveAtOnce) {
+    LoopbackPeer peer(AfterHello([](int s) { LoopbackPeer::ReadUntilClosed(s, 6000); }));
+    SensorHandle sensor(peer.host());
+    ASSERT_TRUE(sensor->GoOnline());
+    int received = 0;
+    long long receiveMs = 0;
+    std::thread receiver([&] {
+        char buffer[4];
+        const auto start = Clock::now();
+        received = sensor->ReceiveBytes(buffer, 4);
+        receiveMs = MsSince(start);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const auto start = Clock::now();
+    sensor->Disconnect(0);
+    const long long closeMs = MsSince(start);
+    receiver.join();
+    // Without the interruption both would wait for the receive's 3 s limit.
+    EXPECT_LT(closeMs, 1000);
+    EXPECT_LT(receiveMs, 1500);
+    EXPECT_EQ(received, -1);
+    EXPECT_EQ(sensor->GetLastLinkError(), kWsaNotConn);
+    EXPECT_FALSE(sensor->IsLinkOpen());
+    // The link opens again as before.
+    ASSERT_TRUE(sensor->GoOnline());
+    EXPECT_EQ(sensor->SendBytes("ping", 4), 4);
+}
+
 TEST(Link, TricklingSendNeverTimesOutWhileEachPieceComesInTime) {
     // More than the socket buffers on both sides hold, so the send must wait for the peer. The peer
     // pauses 2 s, takes 1 MiB, pauses 2 s again, then takes the rest: the send lasts over 4 s, longer
