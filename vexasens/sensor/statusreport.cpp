@@ -18,7 +18,6 @@ enum : int {
 constexpr int kInjectionAccessory = 7;
 constexpr int kInjectionVolumeHeater = 26;
 constexpr int kInjectionLineHeater = 29;
-constexpr int kNegHeater = 5;
 constexpr int kNegLine = 4;
 constexpr int kUnlabelledTemperatureLine = 2;
 
