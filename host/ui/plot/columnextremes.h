@@ -1,0 +1,33 @@
+#pragma once
+// Reduces a trace to what one pixel column can show: the smallest and largest value of the samples that
+// fall into it, and the first and last (so that consecutive columns join where the trace really goes).
+// A redraw therefore costs one pass over the visible samples and draws at most one segment per column,
+// however many samples the trace has.
+#include "plotrange.h"
+
+#include <cstddef>
+#include <vector>
+
+struct ColumnExtremes {
+    int column = 0; // 0 .. columns-1
+    int count = 0;  // samples in the column
+    double min = 0.0;
+    double max = 0.0;
+    double first = 0.0;
+    double last = 0.0;
+    double firstX = 0.0; // x of the first sample (where a lone sample really is)
+    double maxX = 0.0;   // x of the largest sample (the peak a label names)
+};
+
+struct DecimatedTrace {
+    std::vector<ColumnExtremes> columns; // only the columns that hold samples, in order
+    // The nearest samples left and right of the range, so the line runs on to the plot's edges.
+    bool hasBefore = false;
+    double beforeX = 0.0, beforeY = 0.0;
+    bool hasAfter = false;
+    double afterX = 0.0, afterY = 0.0;
+};
+
+// `x` must be non-decreasing. Samples with lo <= x <= hi are spread over `columns` equal columns.
+DecimatedTrace DecimateColumns(const double* x, const double* y, std::size_t count, PlotRange range,
+                               int columns);
