@@ -43,6 +43,8 @@ ChromatogramView::ChromatogramView(QWidget* parent) : PlotCanvas(parent) {}
 ChromatogramView::~ChromatogramView() = default;
 
 int ChromatogramView::AddTrace(PlotTrace trace) {
+    const std::size_t count = std::min(trace.x.size(), trace.y.size());
+    m_blocks.push_back(SummariseBlocks(trace.x.data(), trace.y.data(), count));
     m_traces.push_back(std::move(trace));
     DataChanged();
     return TraceCount() - 1;
@@ -52,11 +54,13 @@ void ChromatogramView::RemoveTrace(int index) {
     if (index < 0 || index >= TraceCount())
         return;
     m_traces.erase(m_traces.begin() + index);
+    m_blocks.erase(m_blocks.begin() + index);
     DataChanged();
 }
 
 void ChromatogramView::ClearTraces() {
     m_traces.clear();
+    m_blocks.clear();
     m_marker.reset();
     m_selection.reset();
     m_background.reset();
@@ -120,9 +124,11 @@ PlotRange ChromatogramView::Prepare(PlotRange x, int columns) const {
     m_factors.clear();
     double lowest = std::numeric_limits<double>::infinity();
     double highest = -std::numeric_limits<double>::infinity();
-    for (const PlotTrace& trace : m_traces) {
+    for (std::size_t t = 0; t < m_traces.size(); ++t) {
+        const PlotTrace& trace = m_traces[t];
         const std::size_t count = std::min(trace.x.size(), trace.y.size());
-        DecimatedTrace reduced = DecimateColumns(trace.x.data(), trace.y.data(), count, x, columns);
+        DecimatedTrace reduced =
+            DecimateColumns(trace.x.data(), trace.y.data(), count, x, columns, &m_blocks[t]);
         double traceLow = std::numeric_limits<double>::infinity();
         double traceHigh = -std::numeric_limits<double>::infinity();
         for (const ColumnExtremes& c : reduced.columns) {

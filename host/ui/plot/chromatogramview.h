@@ -3,12 +3,11 @@
 // marker at the picked time, the selected range and a background range. A click picks the nearest
 // sample of the first trace and Left/Right step to its neighbours, so the picked time is always a
 // scan's; a left drag selects a range, with Shift the background range.
+#include "columnextremes.h"
 #include "plotcanvas.h"
 #include "plottrace.h"
 
 #include <optional>
-
-struct DecimatedTrace;
 
 class ChromatogramView : public PlotCanvas {
     Q_OBJECT
@@ -59,6 +58,7 @@ private:
     void DrawLegend(QPainter& painter, const Frame& frame) const;
 
     std::vector<PlotTrace> m_traces;
+    std::vector<std::vector<SampleBlock>> m_blocks; // one per trace
     bool m_normalised = false;
     std::optional<double> m_marker;
     std::optional<PlotRange> m_selection;

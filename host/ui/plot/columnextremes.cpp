@@ -2,8 +2,25 @@
 
 #include <algorithm>
 
+std::vector<SampleBlock> SummariseBlocks(const double* x, const double* y, std::size_t count) {
+    std::vector<SampleBlock> blocks;
+    blocks.reserve(count / kSampleBlock);
+    for (std::size_t start = 0; start + kSampleBlock <= count; start += kSampleBlock) {
+        SampleBlock block{y[start], y[start], x[start]};
+        for (std::size_t i = start + 1; i < start + kSampleBlock; ++i) {
+            block.min = std::min(block.min, y[i]);
+            if (y[i] > block.max) {
+                block.max = y[i];
+                block.maxX = x[i];
+            }
+        }
+        blocks.push_back(block);
+    }
+    return blocks;
+}
+
 DecimatedTrace DecimateColumns(const double* x, const double* y, std::size_t count, PlotRange range,
-                               int columns) {
+                               int columns, const std::vector<SampleBlock>* blocks) {
     DecimatedTrace out;
     if (count == 0 || columns <= 0 || !(range.hi > range.lo))
         return out;
@@ -22,25 +39,43 @@ DecimatedTrace DecimateColumns(const double* x, const double* y, std::size_t cou
         out.afterY = y[last];
     }
     const double scale = columns / range.Width();
+    const auto columnOf = [&](double v) {
+        return std::min(columns - 1, static_cast<int>((v - range.lo) * scale));
+    };
     ColumnExtremes current;
     bool open = false;
-    for (std::size_t i = first; i < last; ++i) {
-        const int column = std::min(columns - 1, static_cast<int>((x[i] - range.lo) * scale));
-        const double v = y[i];
+    // Adds `n` samples of one column: their extremes, the first's and the last's value.
+    const auto add = [&](int column, int n, double low, double high, double highX, double firstY,
+                         double firstX, double lastY) {
         if (!open || column != current.column) {
             if (open)
                 out.columns.push_back(current);
-            current = {column, 1, v, v, v, v, x[i], x[i]};
+            current = {column, n, low, high, firstY, lastY, firstX, highX};
             open = true;
-            continue;
+            return;
         }
-        ++current.count;
-        current.min = std::min(current.min, v);
-        if (v > current.max) {
-            current.max = v;
-            current.maxX = x[i];
+        current.count += n;
+        current.min = std::min(current.min, low);
+        if (high > current.max) {
+            current.max = high;
+            current.maxX = highX;
         }
-        current.last = v;
+        current.last = lastY;
+    };
+    const bool useBlocks = blocks && blocks->size() == count / kSampleBlock;
+    for (std::size_t i = first; i < last;) {
+        if (useBlocks && i % kSampleBlock == 0 && i + kSampleBlock <= last) {
+            const int column = columnOf(x[i]);
+            if (column == columnOf(x[i + kSampleBlock - 1])) {
+                const SampleBlock& block = (*blocks)[i / kSampleBlock];
+                add(column, static_cast<int>(kSampleBlock), block.min, block.max, block.maxX, y[i], x[i],
+                    y[i + kSampleBlock - 1]);
+                i += kSampleBlock;
+                continue;
+            }
+        }
+        add(columnOf(x[i]), 1, y[i], y[i], x[i], y[i], x[i], y[i]);
+        ++i;
     }
     if (open)
         out.columns.push_back(current);

@@ -28,6 +28,18 @@ struct DecimatedTrace {
     double afterX = 0.0, afterY = 0.0;
 };
 
+// The extremes of consecutive blocks of kSampleBlock samples, made once per trace: a column that
+// holds a whole block takes its summary instead of visiting its samples, so a view of the whole run
+// costs about samples / kSampleBlock + columns * kSampleBlock steps.
+constexpr std::size_t kSampleBlock = 64;
+struct SampleBlock {
+    double min = 0.0;
+    double max = 0.0;
+    double maxX = 0.0;
+};
+std::vector<SampleBlock> SummariseBlocks(const double* x, const double* y, std::size_t count);
+
 // `x` must be non-decreasing. Samples with lo <= x <= hi are spread over `columns` equal columns.
+// `blocks`, when given, must be SummariseBlocks of the same samples; the result is the same.
 DecimatedTrace DecimateColumns(const double* x, const double* y, std::size_t count, PlotRange range,
-                               int columns);
+                               int columns, const std::vector<SampleBlock>* blocks = nullptr);

@@ -132,10 +132,12 @@ void SpectrumView::DrawLabels(QPainter& painter, const Frame& frame) const {
         const double px = frame.ToPixelX(peak->maxX);
         const double top = frame.ToPixelY(peak->max);
         const double w = metrics.horizontalAdvance(text);
-        const QRectF box(px - w / 2 - 1, top - metrics.height() - 1, w + 2, metrics.height());
+        QRectF box(px - w / 2 - 1, top - metrics.height() - 1, w + 2, metrics.height());
+        // A label at the frame's edge moves inward rather than leaving the plot.
+        box.moveLeft(std::clamp(box.left(), frame.area.left(), frame.area.right() - box.width()));
         const bool collides = std::any_of(placed.begin(), placed.end(),
                                           [&](const QRectF& other) { return other.intersects(box); });
-        if (collides || box.left() < frame.area.left() || box.right() > frame.area.right())
+        if (collides)
             continue;
         placed.push_back(box);
         painter.drawText(QPointF(box.left() + 1, box.top() + metrics.ascent()), text);
