@@ -21,12 +21,20 @@
 
 namespace {
 
+double ThreadCpuMs() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return now.tv_sec * 1e3 + now.tv_nsec / 1e6;
+}
+
 struct Frames {
     std::vector<double> ms;
+    std::vector<double> cpuMs;
     void Print(const char* what) {
         std::sort(ms.begin(), ms.end());
-        std::printf("%-34s frames %3zu  median %6.2f ms  worst %6.2f ms\n", what, ms.size(),
-                    ms[ms.size() / 2], ms.back());
+        std::sort(cpuMs.begin(), cpuMs.end());
+        std::printf("%-28s frames %3zu  wall median %6.2f ms, worst %6.2f ms  cpu median %6.2f ms\n", what,
+                    ms.size(), ms[ms.size() / 2], ms.back(), cpuMs[cpuMs.size() / 2]);
     }
 };
 
