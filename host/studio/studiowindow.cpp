@@ -1,5 +1,6 @@
 #include "studiowindow.h"
 
+#include "datareviewwindow.h"
 #include "hostresource.h"
 #include "instrumenteditordialog.h"
 #include "instrumentlistmodel.h"
@@ -79,6 +80,8 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
 
 StudioWindow::~StudioWindow() {
     m_timer.stop();
+    // Data Review holds a sensor: it goes before the sensors do.
+    delete m_dataReview.data();
 }
 
 namespace {
@@ -520,6 +523,9 @@ void StudioWindow::RunTool(int toolIndex) {
     case Kind::ChooseMethodAction:
         OfferMethodActions();
         break;
+    case Kind::ReviewDataFile:
+        ShowDataReview(held.get(), outcome.file);
+        break;
     case Kind::MethodFailed:
         Message(outcome.message);
         break;
@@ -538,6 +544,23 @@ void StudioWindow::RunTool(int toolIndex) {
         Message(outcome.message);
         break;
     }
+}
+
+DataReviewWindow* StudioWindow::DataReview() const {
+    return m_dataReview;
+}
+
+void StudioWindow::ShowDataReview(ISensorObject* sensor, const std::wstring& file) {
+    if (!m_dataReview) {
+        m_dataReview = new DataReviewWindow(m_tools->SensorType(), this);
+        m_dataReview->setWindowFlag(Qt::Window);
+    }
+    m_dataReview->SetSensor(sensor);
+    m_dataReview->show();
+    m_dataReview->raise();
+    m_dataReview->activateWindow();
+    if (!m_dataReview->OpenFile(file))
+        m_log->Append(m_dataReview->LastError());
 }
 
 // The menu pops up without a modal loop of its own, so the window (and a test) stays in charge.
