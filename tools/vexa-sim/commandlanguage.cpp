@@ -1,5 +1,6 @@
 #include "commandlanguage.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ctime>
 #include <sstream>
@@ -31,6 +32,32 @@ std::vector<std::string> Words(const std::string& line) {
     for (std::string word; stream >> word;)
         words.push_back(word);
     return words;
+}
+
+// Blank-separated words, where a word in double quotes may hold blanks and \" stands for a quote
+// inside it (any other backslash is itself). An unclosed quote runs to the end of the line.
+std::vector<std::string> QuotedWords(const std::string& line) {
+    std::vector<std::string> words;
+    std::size_t at = 0;
+    for (;;) {
+        at = line.find_first_not_of(" \t", at);
+        if (at == std::string::npos)
+            return words;
+        std::string word;
+        if (line[at] != '"') {
+            const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
+            word = line.substr(at, end - at);
+            at = end;
+        } else {
+            for (++at; at < line.size() && line[at] != '"'; ++at) {
+                if (line[at] == '\\' && at + 1 < line.size() && line[at + 1] == '"')
+                    ++at;
+                word += line[at];
+            }
+            ++at; // past the closing quote
+        }
+        words.push_back(std::move(word));
+    }
 }
 
 // The text after the first `count` words, leading blanks removed.
@@ -114,7 +141,7 @@ Result CommandLanguage::Execute(const std::string& commandLine) {
     if (verb == "tune")
         return Tune(commandLine, words);
     if (verb == "backup")
-        return Backup(words);
+        return Backup(QuotedWords(commandLine));
     if (verb == "echo")
         return Echo(commandLine);
     if (verb == "date")
