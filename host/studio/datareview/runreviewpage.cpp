@@ -86,6 +86,7 @@ RunReviewPage::RunReviewPage(std::wstring fileName, std::wstring sourceName, Vex
 
 QWidget* RunReviewPage::BuildSidePanel() {
     auto* panel = new QWidget;
+    panel->setMinimumWidth(340);
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(4, 0, 0, 0);
 
@@ -112,6 +113,7 @@ QWidget* RunReviewPage::BuildSidePanel() {
     row->addWidget(m_tolerance);
     row->addWidget(m_addIons);
     ions->addLayout(row);
+    ions->addWidget(new QLabel(tr("A trace per line; \"78, 91\" sums both m/z in one trace.")));
     m_traceList = new QListWidget;
     m_traceList->setObjectName("traces");
     m_traceList->setMaximumHeight(90);
