@@ -113,7 +113,9 @@ QWidget* RunReviewPage::BuildSidePanel() {
     row->addWidget(m_tolerance);
     row->addWidget(m_addIons);
     ions->addLayout(row);
-    ions->addWidget(new QLabel(tr("A trace per line; \"78, 91\" sums both m/z in one trace.")));
+    auto* hint = new QLabel(tr("One trace per entry; \"78, 91\" sums both m/z in one trace."));
+    hint->setWordWrap(true);
+    ions->addWidget(hint);
     m_traceList = new QListWidget;
     m_traceList->setObjectName("traces");
     m_traceList->setMaximumHeight(90);

@@ -86,10 +86,11 @@ PlotRange SpectrumView::Prepare(PlotRange x, int columns) const {
 }
 
 void SpectrumView::DrawData(QPainter& painter, const Frame& frame) const {
+    // The title goes in the margin above the frame, clear of the labels over the tallest bars.
     if (!m_title.isEmpty()) {
         const QFontMetrics metrics(painter.font());
         painter.setPen(kLabelColour);
-        painter.drawText(QPointF(frame.area.left() + 6, frame.area.top() + 4 + metrics.ascent()), m_title);
+        painter.drawText(QPointF(frame.area.left(), frame.outer.top() + 1 + metrics.ascent()), m_title);
     }
     if (m_mz.empty()) {
         painter.setPen(kLabelColour);
@@ -133,10 +134,6 @@ void SpectrumView::DrawLabels(QPainter& painter, const Frame& frame) const {
     });
     const QFontMetrics metrics(painter.font());
     std::vector<QRectF> placed;
-    // The title line is taken.
-    if (!m_title.isEmpty())
-        placed.emplace_back(frame.area.left() + 6, frame.area.top() + 4, metrics.horizontalAdvance(m_title),
-                            metrics.height());
     painter.setPen(kLabelColour);
     for (const ColumnExtremes* peak : peaks) {
         if (static_cast<int>(m_labelled.size()) >= m_labelCount)
