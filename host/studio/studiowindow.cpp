@@ -20,6 +20,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -444,6 +445,16 @@ void StudioWindow::EditInstrument() {
     dialog.SetConfig(instrument->Config());
     if (dialog.exec() != QDialog::Accepted)
         return;
+    const QString oldName = instrument->Config().name;
+    const QString newName = dialog.Config().name;
+    if (newName != oldName && QFileInfo(SensorManager::SensorFolder(oldName)).isDir() &&
+        QFileInfo::exists(SensorManager::SensorFolder(newName))) {
+        const QString question =
+            tr("The folder %1 already exists. Move the files of %2 into it? What it already holds is kept.")
+                .arg(SensorManager::SensorFolder(newName), oldName);
+        if (Prompt().AskYesNo(question.toStdWString(), kWindowTitle.toStdWString(), this) != IDYES)
+            return;
+    }
     // The row may have moved while the dialog ran (the timer can report a drop, nothing removes rows).
     if (!m_sensors->Replace(row, dialog.Config()))
         return;

@@ -1,5 +1,6 @@
 #include "commandlanguage.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ctime>
 #include <sstream>
@@ -33,6 +34,32 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
+// Blank-separated words, where a word in double quotes may hold blanks and \" stands for a quote
+// inside it (any other backslash is itself). An unclosed quote runs to the end of the line.
+std::vector<std::string> QuotedWords(const std::string& line) {
+    std::vector<std::string> words;
+    std::size_t at = 0;
+    for (;;) {
+        at = line.find_first_not_of(" \t", at);
+        if (at == std::string::npos)
+            return words;
+        std::string word;
+        if (line[at] != '"') {
+            const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
+            word = line.substr(at, end - at);
+            at = end;
+        } else {
+            for (++at; at < line.size() && line[at] != '"'; ++at) {
+                if (line[at] == '\\' && at + 1 < line.size() && line[at + 1] == '"')
+                    ++at;
+                word += line[at];
+            }
+            ++at; // past the closing quote
+        }
+        words.push_back(std::move(word));
+    }
+}
+
 // The text after the first `count` words, leading blanks removed.
 std::string RestAfterWords(const std::string& line, std::size_t count) {
     std::size_t at = 0;
@@ -44,15 +71,6 @@ std::string RestAfterWords(const std::string& line, std::size_t count) {
     }
     at = line.find_first_not_of(" \t", at);
     return at == std::string::npos ? std::string() : line.substr(at);
-}
-
-// The first word of a command line, without the quotes that may hold it together.
-std::string FirstWord(const std::string& line) {
-    if (!line.empty() && line.front() == '"') {
-        const std::size_t close = line.find('"', 1);
-        return line.substr(1, close == std::string::npos ? std::string::npos : close - 1);
-    }
-    return line.substr(0, line.find_first_of(" \t"));
 }
 
 // Decimal, or hexadecimal with "0x".
@@ -114,7 +132,7 @@ Result CommandLanguage::Execute(const std::string& commandLine) {
     if (verb == "tune")
         return Tune(commandLine, words);
     if (verb == "backup")
-        return Backup(words);
+        return Backup(QuotedWords(commandLine));
     if (verb == "echo")
         return Echo(commandLine);
     if (verb == "date")
@@ -168,7 +186,7 @@ Result CommandLanguage::Method(const std::string& commandLine, const std::vector
     const std::string methodLine = RestAfterWords(commandLine, 2);
     if (words.size() < 3 || words[1] != "run" || methodLine.empty())
         return Usage("method run <command line> | method stop");
-    const std::string first = FirstWord(methodLine);
+    const std::string first = QuotedWords(methodLine).front();
     if (m_acquisitions != nullptr && AcquisitionService::IsMethodName(first)) {
         std::string problem;
         const std::uint32_t status = m_acquisitions->Start(first, methodLine, &problem);
