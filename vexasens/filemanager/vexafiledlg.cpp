@@ -297,6 +297,8 @@ void CVexaFileDlg::ShowPaneState(int pane) {
     if (!found || !found->List())
         return;
     EnableControl(found->Ids().up, found->CanGoUp());
+    if (found->IsRemote())
+        EnableControl(found->Ids().newFolder, !found->IsAway());
     UpdateData(false);
     if (pane == kLocalPane)
         m_driveBox->SelectDrive(found->List()->Folder());
@@ -363,7 +365,7 @@ std::wstring CVexaFileDlg::ActiveProcess() const {
 }
 
 bool CVexaFileDlg::BackupAllowed() const {
-    return ActiveProcess().empty() && CSystemAccess::Accessible(1);
+    return !m_remotePane.IsAway() && ActiveProcess().empty() && CSystemAccess::Accessible(1);
 }
 
 void CVexaFileDlg::UpdateBackupButtons(int pane) {
@@ -386,7 +388,8 @@ void CVexaFileDlg::UpdateButtons(int pane, bool now) {
     EnableCommand(IDC_FILEMGR_RENAME, any);
 
     // Only this pane's direction: a selection in the other pane keeps its own copy button.
-    bool copy = any;
+    // Nothing goes to or comes from an instrument that is away.
+    bool copy = any && !m_remotePane.IsAway();
     if (pane == kLocalPane && !MayCopyDataFiles()) {
         for (const FileInfo& entry : selection)
             if (IsWorkstationDataFileName(entry.name))
@@ -586,10 +589,14 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
         return;
     }
     if (what == VexaBackup::Notification::StateChange) {
+        const bool wasOnline = m_online;
         m_online = m_sensor->GetSensorState() == kSensorOnline;
         m_remotePane.SetHost(m_sensor->GetSensorAddress().GetHostname());
         if (m_remotePane.Host().empty())
             m_online = false;
+        // Gone while shown: the pane waits for it in its folder.
+        m_remotePane.SetAway(!m_online && !m_remotePane.Host().empty() &&
+                             (wasOnline || m_remotePane.IsAway()));
     }
     if (what == VexaBackup::Notification::ArchiveReady)
         FetchBackup(text);
@@ -598,4 +605,9 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
     // Both panes show what is there now, the instrument first.
     RefreshRemotePane();
     RefreshLocalPane();
+    if (what == VexaBackup::Notification::StateChange) {
+        EnableControl(IDC_FILEMGR_BACKUP_ALL, BackupAllowed());
+        if (m_activePane != kNoPane)
+            UpdateButtons(m_activePane, true);
+    }
 }
