@@ -317,10 +317,14 @@ void SensorManager::OnDropped(ManagedInstrument* instrument, const QString& text
     if (!sensor || sensor->KeepOffline())
         return;
     // The link's error says why; a drop noticed elsewhere (the command channel) may carry its error
-    // number as the text.
+    // number as the text, or leave it with the channel.
     bool isNumber = false;
     const int reason = text.toInt(&isNumber);
-    const int error = sensor->GetLastLinkError() != 0 ? sensor->GetLastLinkError() : isNumber ? reason : 0;
+    const ICommSensor* comm = sensor->GetCommSensor();
+    const int error = sensor->GetLastLinkError() != 0 ? sensor->GetLastLinkError()
+                      : isNumber && reason != 0       ? reason
+                      : comm                          ? comm->LastError()
+                                                      : 0;
     instrument->SetLastError(error);
     const qint64 now = ManagedInstrument::SteadyNowMs();
     const QString why = error != 0 ? tr("error %1").arg(ErrorText(error)) : tr("no answer");
