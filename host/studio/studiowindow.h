@@ -6,14 +6,17 @@
 #include "toolrunner.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 
 class CPXRegistry;
+class DataReviewWindow;
 class QMenu;
 class InstrumentListModel;
 class LinkBanners;
 class ISensorInfo;
+class ISensorObject;
 class LogPane;
 class QAction;
 class QGroupBox;
@@ -48,6 +51,8 @@ public:
     // The Method Editor tool's menu (null until the tool first ran).
     QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
+    // The Data Review window (null until the tool first ran).
+    DataReviewWindow* DataReview() const;
     QLabel* Banner() const { return m_banner; }
     // The notices of instruments that dropped and came back.
     LinkBanners* LinkNotices() const { return m_linkBanners; }
@@ -75,6 +80,7 @@ protected:
 
 private:
     void OfferMethodActions();
+    void ShowDataReview(ISensorObject* sensor, const std::wstring& file);
     void BuildActions();
     void BuildMenus();
     QWidget* BuildCentralWidget();
@@ -116,6 +122,7 @@ private:
     QGroupBox* m_toolBox = nullptr;
     ToolListWidget* m_tools = nullptr;
     QMenu* m_methodMenu = nullptr;
+    QPointer<DataReviewWindow> m_dataReview;
     LogPane* m_log = nullptr;
     QSplitter* m_mainSplitter = nullptr;
     QSplitter* m_topSplitter = nullptr;

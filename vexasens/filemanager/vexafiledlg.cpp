@@ -13,6 +13,7 @@
 #include "pxformat.h"
 #include "remotename.h"
 #include "resource.h"
+#include "sensorevent.h"
 #include "sensornotifyevent.h"
 #include "sensorobject.h"
 #include "systemaccess.h"
@@ -177,9 +178,7 @@ bool CVexaFileDlg::OnInitDialog() {
                    IDC_FILEMGR_COPY_TO_LOCAL, IDC_FILEMGR_UNUSED})
         EnableControl(id, false);
 
-    const bool backup = BackupAllowed();
-    EnableControl(IDC_FILEMGR_BACKUP, backup);
-    EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
+    UpdateInstrumentButtons();
 
     const bool service = CSystemAccess::Accessible(0);
     // Without the service level Alt+H is an ordinary key for the dialog's other controls.
@@ -297,8 +296,6 @@ void CVexaFileDlg::ShowPaneState(int pane) {
     if (!found || !found->List())
         return;
     EnableControl(found->Ids().up, found->CanGoUp());
-    if (found->IsRemote())
-        EnableControl(found->Ids().newFolder, !found->IsAway());
     UpdateData(false);
     if (pane == kLocalPane)
         m_driveBox->SelectDrive(found->List()->Folder());
@@ -365,13 +362,14 @@ std::wstring CVexaFileDlg::ActiveProcess() const {
 }
 
 bool CVexaFileDlg::BackupAllowed() const {
-    return !m_remotePane.IsAway() && ActiveProcess().empty() && CSystemAccess::Accessible(1);
+    return m_online && ActiveProcess().empty() && CSystemAccess::Accessible(1);
 }
 
-void CVexaFileDlg::UpdateBackupButtons(int pane) {
-    if (pane != kRemotePane)
-        return;
-    EnableControl(IDC_FILEMGR_BACKUP, BackupAllowed() && !SelectedEntries(kRemotePane).empty());
+void CVexaFileDlg::UpdateInstrumentButtons() {
+    const bool backup = BackupAllowed();
+    EnableControl(IDC_FILEMGR_BACKUP, backup && !SelectedEntries(kRemotePane).empty());
+    EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
+    EnableControl(IDC_FILEMGR_REMOTE_NEW_FOLDER, m_online);
 }
 
 void CVexaFileDlg::UpdateButtons(int pane, bool now) {
@@ -388,15 +386,14 @@ void CVexaFileDlg::UpdateButtons(int pane, bool now) {
     EnableCommand(IDC_FILEMGR_RENAME, any);
 
     // Only this pane's direction: a selection in the other pane keeps its own copy button.
-    // Nothing goes to or comes from an instrument that is away.
-    bool copy = any && !m_remotePane.IsAway();
+    bool copy = any && (pane == kRemotePane || m_online);
     if (pane == kLocalPane && !MayCopyDataFiles()) {
         for (const FileInfo& entry : selection)
             if (IsWorkstationDataFileName(entry.name))
                 copy = false;
     }
     EnableControl(pane == kLocalPane ? IDC_FILEMGR_COPY_TO_REMOTE : IDC_FILEMGR_COPY_TO_LOCAL, copy);
-    UpdateBackupButtons(pane);
+    UpdateInstrumentButtons();
 
     std::wstring description;
     if (selection.size() == 1 && !IsFolderEntry(selection.front()))
@@ -597,17 +594,25 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
         // Gone while shown: the pane waits for it in its folder.
         m_remotePane.SetAway(!m_online && !m_remotePane.Host().empty() &&
                              (wasOnline || m_remotePane.IsAway()));
+        if (!m_online)
+            EnableControl(IDC_FILEMGR_COPY_TO_REMOTE, false);
+        UpdateInstrumentButtons();
     }
-    if (what == VexaBackup::Notification::ArchiveReady)
-        FetchBackup(text);
+    if (code == kSensorEventBackup) {
+        const bool own = IsOwnBackupOutcome(text);
+        if (m_backupRunning && !own)
+            return; // an earlier backup's archive: this one still packs, its window stays
+        m_backupRunning = m_backupRunning && !own;
+        // Another client's backup only changed what the panes show.
+        if (own && what == VexaBackup::Notification::ArchiveReady)
+            FetchBackup(text);
+    }
     // Whatever the notification said, a backup window still open has nothing more to wait for.
     EndBackupWindow();
     // Both panes show what is there now, the instrument first.
     RefreshRemotePane();
     RefreshLocalPane();
-    if (what == VexaBackup::Notification::StateChange) {
-        EnableControl(IDC_FILEMGR_BACKUP_ALL, BackupAllowed());
-        if (m_activePane != kNoPane)
-            UpdateButtons(m_activePane, true);
-    }
+    // Back again: the selection's copy button comes back with the instrument.
+    if (what == VexaBackup::Notification::StateChange && m_activePane != kNoPane)
+        UpdateButtons(m_activePane, true);
 }
