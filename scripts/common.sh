@@ -64,6 +64,29 @@ vexa_build_fuzzers() {
     cmake --build "$build_dir" -j"$(nproc)" --target vexa_fuzzers
 }
 
+# The tests whose code runs on several threads at once (the pollers, reconnection, the copy worker,
+# the link's locks, the CLI's copy lanes), under ThreadSanitizer in a tree of their own. Only these
+# are built there, at -O1 with line tables, to keep the pass short.
+VEXA_TSAN_TESTS=(
+    hostcore_sensor_test hostcore_pumpwait_test hostcore_settings_test hostcore_files_test sensor_link_test
+    status_integration load_test fileaccess_cli_test
+    hostui_filecopy hostui_threads filemanager_dialog_test studio_test
+)
+
+vexa_build_tsan() {
+    local build_dir=$1
+    # shellcheck disable=SC2046
+    cmake -G Ninja -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEXA_TSAN=ON -DVEXA_BUILD_BENCH=OFF \
+        $(vexa_cache_launcher) "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1" "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O1 -g1" \
+        >/dev/null
+    cmake --build "$build_dir" -j"$(nproc)" --target "${VEXA_TSAN_TESTS[@]}" vexa vexa-sim VexaSens
+}
+
+# A ThreadSanitizer report fails the test at once; tests/tsan.supp holds Qt's own internals only.
+vexa_tsan_options() {
+    export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:suppressions=$PWD/tests/tsan.supp}
+}
+
 # Any sanitizer report fails the run at once, with the stack that led to it.
 vexa_sanitizer_options() {
     export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1:strict_string_checks=1}

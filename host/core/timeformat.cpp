@@ -70,3 +70,13 @@ std::wstring FormatTime(int64_t timeMs, int offsetMinutes) {
                   int(secondOfDay / 60 % 60), int(secondOfDay % 60));
     return text;
 }
+
+std::wstring FormatElapsed(int64_t seconds) {
+    if (seconds < 0)
+        seconds = 0;
+    if (seconds < 60)
+        return std::to_wstring(seconds) + L" s";
+    if (seconds < 3600)
+        return std::to_wstring(seconds / 60) + L" min " + std::to_wstring(seconds % 60) + L" s";
+    return std::to_wstring(seconds / 3600) + L" h " + std::to_wstring(seconds / 60 % 60) + L" min";
+}

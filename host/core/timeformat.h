@@ -12,3 +12,6 @@ int PXLocalTimeDiff(int64_t timeMs);
 
 std::wstring FormatDate(int64_t timeMs, int offsetMinutes);
 std::wstring FormatTime(int64_t timeMs, int offsetMinutes);
+
+// A span as words: "45 s", "1 min 12 s", "2 h 5 min" (the seconds dropped from an hour on).
+std::wstring FormatElapsed(int64_t seconds);
