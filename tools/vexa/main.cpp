@@ -1,7 +1,11 @@
 // vexa: the instrument's files and status from a terminal, through the module's own back ends.
 #include "cli.h"
 
+#include "processenv.h"
+
 #include <iostream>
+#include <string>
+#include <vector>
 
 int main(int argc, char** argv) {
     CliContext ctx;
@@ -18,8 +22,13 @@ int main(int argc, char** argv) {
     for (auto add : CliCommands())
         add(app, ctx);
 
+    UseBinaryStandardStreams();
+    std::vector<std::string> arguments = Utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(pointers.size()), pointers.data());
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {
