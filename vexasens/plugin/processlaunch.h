@@ -9,3 +9,5 @@
 int SpawnDetached(const std::wstring& program, const std::vector<std::wstring>& arguments);
 // Opens `path` with the desktop's default program for it (ShellExecuteW "open" on Windows).
 int OpenWithDesktop(const std::wstring& path);
+// What OpenWithDesktop uses, for messages ("xdg-open").
+std::wstring DesktopOpenerName();

@@ -58,6 +58,10 @@ int SpawnDetached(const std::wstring& program, const std::vector<std::wstring>& 
     return got == ssize_t(sizeof error) ? error : 0;
 }
 
+std::wstring DesktopOpenerName() {
+    return L"xdg-open";
+}
+
 int OpenWithDesktop(const std::wstring& path) {
-    return SpawnDetached(L"xdg-open", {path});
+    return SpawnDetached(DesktopOpenerName(), {path});
 }

@@ -23,3 +23,7 @@ int OpenWithDesktop(const std::wstring& path) {
         return 0;
     return result == 0 ? ERROR_OUTOFMEMORY : static_cast<int>(result);
 }
+
+std::wstring DesktopOpenerName() {
+    return L"ShellExecuteW \"open\"";
+}
