@@ -1,7 +1,7 @@
 // vexa: the instrument's files and status from a terminal, through the module's own back ends.
 #include "cli.h"
 
-#include "processenv.h"
+#include "programenvironment.h"
 
 #include <iostream>
 #include <string>
