@@ -5,6 +5,7 @@
 #include <ctime>
 #include <sstream>
 
+#include "acquisitionservice.h"
 #include "backupservice.h"
 #include "instrumentstate.h"
 #include "tunerunner.h"
@@ -111,8 +112,9 @@ std::string Hex(const std::vector<std::uint8_t>& bytes) {
 
 } // namespace
 
-CommandLanguage::CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner)
-    : m_state(state), m_backups(backups), m_tuner(tuner) {}
+CommandLanguage::CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner,
+                                 AcquisitionService* acquisitions)
+    : m_state(state), m_backups(backups), m_tuner(tuner), m_acquisitions(acquisitions) {}
 
 Result CommandLanguage::Execute(const std::string& commandLine) {
     const std::vector<std::string> words = Words(commandLine);
@@ -177,13 +179,21 @@ Result CommandLanguage::Events(const std::vector<std::string>& words) {
 
 Result CommandLanguage::Method(const std::string& commandLine, const std::vector<std::string>& words) {
     if (words.size() == 2 && words[1] == "stop") {
-        if (!m_state.StopMethod())
+        if (!(m_acquisitions != nullptr && m_acquisitions->Stop()) && !m_state.StopMethod())
             return Refuse(wire::kStatusInvalid, "no method is running");
         return Result{0, "ok"};
     }
     const std::string methodLine = RestAfterWords(commandLine, 2);
     if (words.size() < 3 || words[1] != "run" || methodLine.empty())
         return Usage("method run <command line> | method stop");
+    const std::string first = QuotedWords(methodLine).front();
+    if (m_acquisitions != nullptr && AcquisitionService::IsMethodName(first)) {
+        std::string problem;
+        const std::uint32_t status = m_acquisitions->Start(first, methodLine, &problem);
+        if (status != wire::kStatusOk)
+            return Refuse(status, problem);
+        return Result{0, "ok"};
+    }
     if (!m_state.StartMethod(methodLine))
         return Refuse(wire::kStatusBusy, "a method is already running");
     return Result{0, "ok"};
