@@ -12,9 +12,18 @@ VEXA_PACKAGES=(
     clang-14 libclang-rt-14-dev
 )
 
+# The Windows build (test.sh --windows): the MinGW-w64 cross compiler with POSIX threads, zlib for it,
+# the GoogleTest sources to build with it, and Wine to run the programs.
+VEXA_WINDOWS_PACKAGES=(
+    g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64
+)
+
+# vexa_install_missing [PACKAGE...]: the given packages, or VEXA_PACKAGES.
 vexa_install_missing() {
+    local wanted=("$@")
+    [ ${#wanted[@]} -gt 0 ] || wanted=("${VEXA_PACKAGES[@]}")
     local missing=()
-    for p in "${VEXA_PACKAGES[@]}"; do
+    for p in "${wanted[@]}"; do
         dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
     done
     if [ ${#missing[@]} -eq 0 ]; then
@@ -91,4 +100,16 @@ vexa_tsan_options() {
 vexa_sanitizer_options() {
     export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1:strict_string_checks=1}
     export UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
+}
+
+# The Windows build in its own tree: the libraries, vexa.exe and their tests, cross-compiled; ctest runs
+# them under Wine. The CLI's integration tests are the native ones of the Linux build in "$2" (its
+# simulator and test programs), run against vexa.exe.
+vexa_build_windows() {
+    local build_dir=$1 native_dir=$2
+    # shellcheck disable=SC2046
+    cmake -G Ninja -S . -B "$build_dir" -DCMAKE_BUILD_TYPE="${VEXA_BUILD_TYPE:-RelWithDebInfo}" \
+        -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-mingw64.cmake -DVEXA_NATIVE_BUILD_DIR="$(realpath "$native_dir")" \
+        $(vexa_cache_launcher) >/dev/null
+    cmake --build "$build_dir" -j"$(nproc)"
 }

@@ -2,7 +2,11 @@
 #include "cli.h"
 #include "retryoption.h"
 
+#include "programenvironment.h"
+
 #include <iostream>
+#include <string>
+#include <vector>
 
 int main(int argc, char** argv) {
     CliContext ctx;
@@ -23,8 +27,13 @@ int main(int argc, char** argv) {
     for (auto add : CliCommands())
         add(app, ctx);
 
+    UseBinaryStandardStreams();
+    std::vector<std::string> arguments = Utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(pointers.size()), pointers.data());
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {
