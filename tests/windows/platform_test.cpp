@@ -15,6 +15,8 @@
 
 #include <windows.h>
 
+#include <wininet.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
