@@ -2,7 +2,7 @@
 #include "cli.h"
 #include "retryoption.h"
 
-#include "processenv.h"
+#include "programenvironment.h"
 
 #include <iostream>
 #include <string>

@@ -1,4 +1,4 @@
-#include "processenv.h"
+#include "programenvironment.h"
 
 #include "text.h"
 
