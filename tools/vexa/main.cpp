@@ -23,6 +23,8 @@ int main(int argc, char** argv) {
                    "instrument is back (default: the setting Transfers/Retries, else 3; 0: never)")
         ->check(CLI::Range(0, 1000));
     app.require_subcommand(1);
+    // Local paths start with "/" under Wine and in MSYS shells: they are operands, never "/option"s.
+    app.allow_windows_style_options(false);
 
     for (auto add : CliCommands())
         add(app, ctx);
