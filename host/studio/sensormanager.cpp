@@ -1,5 +1,6 @@
 #include "sensormanager.h"
 
+#include "eventwords.h"
 #include "managedinstrument.h"
 #include "sensorevent.h"
 #include "sensorinfo.h"
@@ -17,22 +18,15 @@ QString ErrorText(int error) {
     return QString::fromStdWString(DescribeError(error));
 }
 
-QString EventName(quint32 code) {
-    switch (code) {
-    case kSensorEventOnline:
-        return QStringLiteral("on line");
-    case kSensorEventOffline:
-        return QStringLiteral("off line");
-    case kSensorEventBackup:
-        return QStringLiteral("backup finished");
-    default:
-        return {};
-    }
-}
 } // namespace
 
 SensorManager::SensorManager(QObject* parent) : QObject(parent) {
-    connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+    connect(&m_poller, &SensorPoller::polled, this, [this] {
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        for (ManagedInstrument* instrument : std::as_const(m_instruments))
+            instrument->RefreshActivity(now);
+        emit ticked();
+    });
 }
 
 SensorManager::~SensorManager() {
@@ -264,15 +258,8 @@ void SensorManager::Tick() {
 }
 
 void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text) {
-    const QString name = EventName(code);
-    QString line = tr("%1: sensor event %2").arg(instrument->Config().name).arg(code);
-    if (code >= 0x100)
-        line += QStringLiteral(" (0x%1)").arg(code, 0, 16);
-    if (!name.isEmpty())
-        line += QStringLiteral(" [%1]").arg(name);
-    if (!text.isEmpty())
-        line += QStringLiteral(": ") + text;
-    emit logMessage(line);
+    const EventWords words = DescribeSensorEvent(code, text);
+    emit eventLogged(tr("%1: %2").arg(instrument->Config().name, words.text), words.detail);
 
     if (code == kSensorEventOffline) {
         if (instrument->ExpectsOffline()) {
@@ -295,7 +282,8 @@ void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, c
     EmitChanged(instrument);
 }
 
-void SensorManager::EmitChanged(const ManagedInstrument* instrument) {
+void SensorManager::EmitChanged(ManagedInstrument* instrument) {
+    instrument->RefreshActivity(QDateTime::currentMSecsSinceEpoch());
     const int row = IndexOf(instrument);
     if (row >= 0)
         emit instrumentChanged(row);

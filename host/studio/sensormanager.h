@@ -63,17 +63,20 @@ public slots:
 
 signals:
     void logMessage(const QString& line);
+    // A notification of an instrument, in words, with its number as the detail.
+    void eventLogged(const QString& line, const QString& detail);
     void instrumentAboutToBeAdded(int row);
     void instrumentAdded(int row);
     void instrumentAboutToBeRemoved(int row);
     void instrumentRemoved(int row);
     void instrumentChanged(int row);
-    // When polls have ended and the sensors' status may have changed.
+    // When polls have ended and the sensors' status may have changed (each instrument's Activity has
+    // been read again).
     void ticked();
 
 private:
     void OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text);
-    void EmitChanged(const ManagedInstrument* instrument);
+    void EmitChanged(ManagedInstrument* instrument);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;

@@ -18,8 +18,10 @@ class QAction;
 class QGroupBox;
 class QLabel;
 class QPushButton;
+class QSortFilterProxyModel;
 class QSplitter;
 class QTableView;
+class RunsWindow;
 class SensorManager;
 class StatusPanel;
 class ToolListWidget;
@@ -47,9 +49,10 @@ public:
     // The Method Editor tool's menu (null until the tool first ran).
     QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
+    RunsWindow* Runs() const { return m_runs; }
     QLabel* Banner() const { return m_banner; }
     QPushButton* OnlineButton() const { return m_onlineButton; }
-    // The selected instrument's row, -1 when none.
+    // The selected instrument's row in the SensorManager (the list may be sorted), -1 when none.
     int SelectedRow() const;
     void SelectRow(int row);
 
@@ -62,6 +65,8 @@ public slots:
     void RunTool(int toolIndex);
     // The method editor's actions (the Method Editor tool offers them in a menu).
     void RunMethodEditor(ToolRunner::MethodAction action);
+    // Opens a data file for review (Runs' Review).
+    void ReviewDataFile(const QString& file);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -93,6 +98,7 @@ private:
     SensorManager* m_sensors;
     InstrumentStore m_store;
     InstrumentListModel* m_model;
+    QSortFilterProxyModel* m_sortedModel;
     QTimer m_timer;
 
     QLabel* m_banner = nullptr;
@@ -108,6 +114,7 @@ private:
     ToolListWidget* m_tools = nullptr;
     QMenu* m_methodMenu = nullptr;
     LogPane* m_log = nullptr;
+    RunsWindow* m_runs = nullptr;
     QSplitter* m_mainSplitter = nullptr;
     QSplitter* m_topSplitter = nullptr;
     QSplitter* m_rightSplitter = nullptr;
@@ -117,5 +124,6 @@ private:
     QAction* m_editAction = nullptr;
     QAction* m_removeAction = nullptr;
     QAction* m_onlineAction = nullptr;
+    QAction* m_runsAction = nullptr;
     QAction* m_aboutAction = nullptr;
 };
