@@ -1,5 +1,6 @@
 #include "studiowindow.h"
 
+#include "datareviewwindow.h"
 #include "hostresource.h"
 #include "instrumenteditordialog.h"
 #include "instrumentlistmodel.h"
@@ -7,6 +8,7 @@
 #include "managedinstrument.h"
 #include "prompt.h"
 #include "registry.h"
+#include "remotename.h"
 #include "runswindow.h"
 #include "sensorinfo.h"
 #include "sensormanager.h"
@@ -20,6 +22,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -90,6 +93,8 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
 
 StudioWindow::~StudioWindow() {
     m_timer.stop();
+    // Data Review holds a sensor: it goes before the sensors do.
+    delete m_dataReview.data();
 }
 
 namespace {
@@ -472,6 +477,16 @@ void StudioWindow::EditInstrument() {
     dialog.SetConfig(instrument->Config());
     if (dialog.exec() != QDialog::Accepted)
         return;
+    const QString oldName = instrument->Config().name;
+    const QString newName = dialog.Config().name;
+    if (newName != oldName && QFileInfo(SensorManager::SensorFolder(oldName)).isDir() &&
+        QFileInfo::exists(SensorManager::SensorFolder(newName))) {
+        const QString question =
+            tr("The folder %1 already exists. Move the files of %2 into it? What it already holds is kept.")
+                .arg(SensorManager::SensorFolder(newName), oldName);
+        if (Prompt().AskYesNo(question.toStdWString(), kWindowTitle.toStdWString(), this) != IDYES)
+            return;
+    }
     // The row may have moved while the dialog ran (the timer can report a drop, nothing removes rows).
     if (!m_sensors->Replace(row, dialog.Config()))
         return;
@@ -555,10 +570,13 @@ void StudioWindow::RunTool(int toolIndex) {
         break;
     case Kind::MethodChosen:
         if (instrument && m_sensors->IndexOf(instrument) >= 0)
-            m_runs->Run(*instrument, outcome.file);
+            m_runs->Run(*instrument, QString::fromStdWString(outcome.file));
         break;
     case Kind::ChooseMethodAction:
         OfferMethodActions();
+        break;
+    case Kind::ReviewDataFile:
+        ShowDataReview(held.get(), outcome.file);
         break;
     case Kind::MethodFailed:
         Message(outcome.message);
@@ -581,10 +599,29 @@ void StudioWindow::RunTool(int toolIndex) {
 }
 
 void StudioWindow::ReviewDataFile(const QString& file) {
-    ISensorInfo* type = m_tools->SensorType();
-    if (!type)
-        return;
-    m_log->Append(ToolRunner::ReviewFile(*type, file.toStdWString()).message);
+    // A file on an instrument is read through that instrument's sensor.
+    std::wstring host;
+    const bool remote = SplitRemoteName(file.toStdWString(), &host, nullptr);
+    const ManagedInstrument* instrument =
+        remote ? m_sensors->At(m_sensors->FindAddress(QString::fromStdWString(host))) : nullptr;
+    ShowDataReview(instrument ? instrument->Sensor() : nullptr, file.toStdWString());
+}
+
+DataReviewWindow* StudioWindow::DataReview() const {
+    return m_dataReview;
+}
+
+void StudioWindow::ShowDataReview(ISensorObject* sensor, const std::wstring& file) {
+    if (!m_dataReview) {
+        m_dataReview = new DataReviewWindow(m_tools->SensorType(), this);
+        m_dataReview->setWindowFlag(Qt::Window);
+    }
+    m_dataReview->SetSensor(sensor);
+    m_dataReview->show();
+    m_dataReview->raise();
+    m_dataReview->activateWindow();
+    if (!m_dataReview->OpenFile(file))
+        m_log->Append(m_dataReview->LastError());
 }
 
 // The menu pops up without a modal loop of its own, so the window (and a test) stays in charge.

@@ -6,13 +6,16 @@
 #include "toolrunner.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 
 class CPXRegistry;
+class DataReviewWindow;
 class QMenu;
 class InstrumentListModel;
 class ISensorInfo;
+class ISensorObject;
 class LogPane;
 class QAction;
 class QGroupBox;
@@ -50,6 +53,8 @@ public:
     QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
     RunsWindow* Runs() const { return m_runs; }
+    // The Data Review window (null until the tool first ran).
+    DataReviewWindow* DataReview() const;
     QLabel* Banner() const { return m_banner; }
     QPushButton* OnlineButton() const { return m_onlineButton; }
     // The selected instrument's row in the SensorManager (the list may be sorted), -1 when none.
@@ -73,6 +78,7 @@ protected:
 
 private:
     void OfferMethodActions();
+    void ShowDataReview(ISensorObject* sensor, const std::wstring& file);
     void BuildActions();
     void BuildMenus();
     QWidget* BuildCentralWidget();
@@ -113,6 +119,7 @@ private:
     QGroupBox* m_toolBox = nullptr;
     ToolListWidget* m_tools = nullptr;
     QMenu* m_methodMenu = nullptr;
+    QPointer<DataReviewWindow> m_dataReview;
     LogPane* m_log = nullptr;
     RunsWindow* m_runs = nullptr;
     QSplitter* m_mainSplitter = nullptr;

@@ -1,14 +1,15 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
-// for a data file, Run Method asks for a method or sequence on the instrument (the window runs it), the
-// Method Editor makes or opens methods and sequences through the sensor type, Status shows the status
-// panel, Tune asks, tunes the selected instrument and shows its tune reports on the new report; the
-// remaining host features are outside the studio and say so. Files chosen in Manage Files and Data
-// Review are handed on.
+// for a data file (the window shows it), Run Method asks for a method or sequence on the instrument
+// (the window runs it), the Method Editor makes or opens methods and sequences through the sensor
+// type, Status shows the status panel, Tune asks, tunes the selected instrument and shows its tune
+// reports on the new report; the remaining host features are outside the studio and say so. Files
+// chosen in Manage Files are handed on.
 #include <QString>
 
 #include <functional>
+#include <string>
 
 class ISensorInfo;
 class ISensorObject;
@@ -34,10 +35,11 @@ public:
             OutOfScope,             // a host feature the studio does not have
             ChooseMethodAction,     // the window should offer the method editor's actions
             HandedToModule,         // a file went to the sensor type's OpenFile or EditMethodOfFile
+            ReviewDataFile,         // Data Review: the window should open `file`
         };
         Kind kind;
         QString message;
-        QString file = {}; // MethodChosen: the file's full name
+        std::wstring file; // ReviewDataFile, MethodChosen: the file's full name
     };
 
     // Told what the studio is waiting for while a tool keeps the instrument busy; an empty text when
@@ -62,6 +64,6 @@ private:
     static Outcome RunProgram(ISensorInfo& sensorType, const SensorTool& tool);
     static Outcome RunTune(const QString& toolName, ISensorObject* sensor, const BusyNotice& busy);
     static Outcome ManageFiles(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
-    static Outcome ReviewData(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
+    static Outcome ReviewData(const QString& name, ISensorObject& sensor);
     static Outcome ChooseMethod(const QString& name, ISensorObject& sensor);
 };

@@ -1,7 +1,6 @@
 #include "runpanel.h"
 
-#include "filecopydlg.h"
-#include "filefetch.h"
+#include "datafilecopy.h"
 #include "hostresource.h"
 #include "instrumentactivity.h"
 #include "managedinstrument.h"
@@ -156,8 +155,9 @@ void RunPanel::ContinueSequence() {
         return;
     }
     m_sequenceRun = m_plan->Next();
-    std::wstring path;
-    if (!SplitRemoteName(m_sequenceRun.method, nullptr, &path)) {
+    // A sequence on the instrument names its own methods by their instrument paths.
+    std::wstring path = m_sequenceRun.method;
+    if (!SplitRemoteName(m_sequenceRun.method, nullptr, &path) && !path.starts_with(L'/')) {
         const QString message =
             Tr("%1: sequence %2 stopped: %3 is not on the instrument.")
                 .arg(Name(), m_sequenceName, QString::fromStdWString(m_sequenceRun.method));
@@ -259,31 +259,27 @@ void RunPanel::Review() {
 void RunPanel::Fetch() {
     const QString source = DataFile();
     const QString destination = FetchDestination();
-    if (source.isEmpty() || destination.isEmpty())
+    ISensorObject* sensor = m_instrument ? m_instrument->Sensor() : nullptr;
+    if (source.isEmpty() || destination.isEmpty() || !sensor)
         return;
     if (QFileInfo::exists(destination) && Prompt().AskYesNo(Tr("%1 is already on this PC. Replace it?")
                                                                 .arg(QDir::toNativeSeparators(destination))
                                                                 .toStdWString(),
                                                             Tr("Fetch").toStdWString(), this) != IDYES)
         return;
-    int error = 0;
-    std::wstring text;
-    CFileCopyDlg progress(this);
-    const bool fetched = progress.Run([&](ICopyProgress& copyProgress) {
-        return FetchFile(source.toStdWString(), destination.toStdWString(), &copyProgress, &error, &text) ? 1
-                                                                                                          : 0;
-    }) == 1;
-    if (!fetched) {
-        QString reason = QString::fromStdWString(DescribeError(error));
-        if (!text.empty())
-            reason += QStringLiteral(" - ") + QString::fromStdWString(text);
-        const QString message = Tr("%1 could not be fetched: error %2.").arg(FileName(source), reason);
-        emit logMessage(message);
-        Prompt().Message(message.toStdWString(), {}, PromptIcon::Warning, this);
+    QString error;
+    const QString fetched =
+        QString::fromStdWString(CopyToSensorDataFolder(source.toStdWString(), *sensor, this, &error));
+    if (fetched.isEmpty()) {
+        // Empty: the operator cancelled.
+        if (!error.isEmpty()) {
+            emit logMessage(error);
+            Prompt().Message(error.toStdWString(), {}, PromptIcon::Warning, this);
+        }
         return;
     }
-    m_fetched = destination;
-    emit logMessage(Tr("Fetched %1 to %2.").arg(source, QDir::toNativeSeparators(destination)));
+    m_fetched = fetched;
+    emit logMessage(Tr("Fetched %1 to %2.").arg(source, QDir::toNativeSeparators(fetched)));
     Refresh();
 }
 

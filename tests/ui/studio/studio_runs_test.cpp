@@ -2,6 +2,7 @@
 // sequence; the fleet columns of the instrument list.
 #include "studiofixture.h"
 
+#include "datareviewwindow.h"
 #include "demotree.h"
 #include "dialog.h"
 #include "hostresource.h"
@@ -15,6 +16,7 @@
 #include "sensormanager.h"
 #include "sensorobject.h"
 #include "simulator.h"
+#include "tempdir.h"
 #include "vexadevice.h"
 
 #include <QLabel>
@@ -25,15 +27,13 @@
 
 namespace {
 
-// An instrument whose methods run for `seconds`.
+// The demo instrument, its clock sped up: Default.mth runs 720 s / timeScale, Survey.mth 300 s / timeScale.
 class RunsTest : public StudioTest {
 protected:
-    void StartInstrument(double seconds) {
+    void StartInstrument(int timeScale) {
         m_tree = CopyDemoTree(m_temp.file("demo"));
-        const std::string profile =
-            m_temp.createFile("profile.json", "{\"methodSeconds\": " + std::to_string(seconds) + "}");
-        m_simulator =
-            std::make_unique<SimulatorProcess>(m_tree, std::vector<std::string>{"--profile", profile});
+        m_simulator = std::make_unique<SimulatorProcess>(
+            m_tree, std::vector<std::string>{"--time-scale", std::to_string(timeScale)});
         m_address = QString::fromStdString(m_simulator->address());
         StartStudio(BuiltPluginDir(), {m_address});
         ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
@@ -61,7 +61,7 @@ protected:
 } // namespace
 
 TEST_F(RunsTest, RunAsksFirstThenFollowsTheRunToItsEnd) {
-    StartInstrument(3);
+    StartInstrument(240);
     RunsWindow& runs = *Window().Runs();
     const QString method = Remote("/Method/Default.mth");
     {
@@ -93,12 +93,26 @@ TEST_F(RunsTest, RunAsksFirstThenFollowsTheRunToItsEnd) {
     EXPECT_TRUE(Text(panel, "runResult").startsWith("Finished")) << Text(panel, "runResult").toStdString();
     EXPECT_EQ(panel->findChild<QProgressBar*>("runProgress")->value(), 3);
     EXPECT_FALSE(panel->findChild<QPushButton*>("runStop")->isEnabled());
-    EXPECT_TRUE(LogText().contains(Instrument(0).Config().name + ": method finished"))
+    EXPECT_TRUE(LogText().contains(Instrument(0).Config().name + ": method finished: /Data/Run"))
         << LogText().toStdString();
+
+    // The data file: fetched to the PC's data folder, then reviewed from there.
+    const QString dataFile = panel->DataFile();
+    ASSERT_TRUE(dataFile.startsWith(Remote("/Data/Run")) && dataFile.endsWith(".vxs"))
+        << dataFile.toStdString();
+    EXPECT_TRUE(Text(panel, "runResult").contains(dataFile.section('/', -1)));
+    ASSERT_TRUE(panel->findChild<QPushButton*>("runFetch")->isEnabled());
+    panel->findChild<QPushButton*>("runFetch")->click();
+    const std::string fetched = panel->FetchDestination().toStdString();
+    ASSERT_TRUE(FileExists(fetched)) << LogText().toStdString();
+    EXPECT_EQ(ReadWholeFile(fetched), ReadWholeFile(m_tree + dataFile.section(':', 1).toStdString()));
+    panel->findChild<QPushButton*>("runReview")->click();
+    ASSERT_NE(Window().DataReview(), nullptr);
+    EXPECT_TRUE(Window().DataReview()->isVisible());
 }
 
 TEST_F(RunsTest, StopAsksAndEndsTheRunEarly) {
-    StartInstrument(120);
+    StartInstrument(6);
     RunsWindow& runs = *Window().Runs();
     ScriptedPrompt prompt;
     prompt.QueueYesNo(IDYES);
@@ -120,19 +134,20 @@ TEST_F(RunsTest, StopAsksAndEndsTheRunEarly) {
     EXPECT_EQ(panel->Run().GetPhase(), MethodRun::Phase::Stopped);
     EXPECT_LT(panel->Run().ElapsedAt(0), 120);
     EXPECT_TRUE(Text(panel, "runResult").startsWith("Stopped")) << Text(panel, "runResult").toStdString();
-    EXPECT_TRUE(LogText().contains("method stopped")) << LogText().toStdString();
+    EXPECT_TRUE(LogText().contains("method stopped: /Data/Run")) << LogText().toStdString();
+    EXPECT_FALSE(panel->DataFile().isEmpty()) << "the scans up to the stop are kept";
 }
 
 TEST_F(RunsTest, SequenceRunsItsStepsWithRepeatsAndStopsBetweenThem) {
-    StartInstrument(1);
+    StartInstrument(720);
     const auto writeSequence = [&](const std::string& name, const std::string& steps) {
         m_temp.createFile("demo/Method/" + name,
                           R"({"format": "VexaMethodSequence", "version": 1, "steps": [)" + steps + "]}");
     };
     const std::string at = "@" + m_address.toStdString() + ":";
+    // Remote names, and the instrument's own paths that a sequence on the instrument uses.
     writeSequence("Two.xmth", R"({"method": ")" + at + R"(/Method/Default.mth", "repeat": 2},
-                               {"method": ")" +
-                                  at + R"(/Method/Survey.mth", "repeat": 1})");
+                               {"method": "/Method/Survey.mth", "repeat": 1})");
     RunsWindow& runs = *Window().Runs();
     ScriptedPrompt prompt;
     prompt.QueueYesNo(IDYES);
@@ -162,7 +177,7 @@ TEST_F(RunsTest, SequenceRunsItsStepsWithRepeatsAndStopsBetweenThem) {
 }
 
 TEST_F(RunsTest, TuneAsksFirstAndOpensTheReportsOnTheNewReport) {
-    StartInstrument(5);
+    StartInstrument(1);
     const std::string reportFile = m_tree + "/Tune/Reports/Default.rpt";
     const auto reports = [&] { return QString::fromStdString(ReadWholeFile(reportFile)).count("\"time\""); };
     const int before = reports();
@@ -202,7 +217,7 @@ TEST_F(RunsTest, TuneAsksFirstAndOpensTheReportsOnTheNewReport) {
 }
 
 TEST_F(RunsTest, FleetColumnsShowWhatEachInstrumentDoes) {
-    StartInstrument(60);
+    StartInstrument(5);
     StudioWindow& window = Window();
     const int idleRow =
         window.Sensors().Add({"Spare", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true);
