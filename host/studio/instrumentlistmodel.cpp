@@ -160,7 +160,14 @@ QVariant InstrumentListModel::data(const QModelIndex& index, int role) const {
         return index.column() == kColumnAlarms || index.column() == kColumnStatusAge
                    ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter))
                    : QVariant();
+    case Qt::BackgroundRole:
+        // A dropped instrument stands out from one taken off line on purpose.
+        if (instrument->GetState() == ManagedInstrument::State::Reconnecting)
+            return QColor(0xfd, 0xe0, 0xe0);
+        return {};
     case Qt::ForegroundRole:
+        if (instrument->GetState() == ManagedInstrument::State::Reconnecting)
+            return QColor(0xb7, 0x1c, 0x1c);
         if (index.column() == kColumnAlarms && instrument->AlarmCount() > 0)
             return QColor(0xd3, 0x2f, 0x2f);
         return {};
@@ -172,6 +179,8 @@ QVariant InstrumentListModel::data(const QModelIndex& index, int role) const {
             return m_online;
         case ManagedInstrument::State::Connecting:
             return m_connecting;
+        case ManagedInstrument::State::Reconnecting:
+            return m_failed;
         case ManagedInstrument::State::Unavailable:
             return m_unavailable;
         case ManagedInstrument::State::Offline:

@@ -1,6 +1,7 @@
 // vexa method show [--json] FILE...: the main settings and run time of methods on this computer or on
 // an instrument (@HOST:/PATH).
 #include "cmd_filesupport.h"
+#include "runcommands.h"
 
 #include "hostsessions.h"
 #include "text.h"
@@ -129,4 +130,5 @@ void AddMethodCommand(CLI::App& app, CliContext& ctx) {
     show->add_flag("--json", args->json, "Print the methods as a JSON array");
     show->add_option("FILE", args->files, "Method files, local or @HOST:/PATH")->required();
     show->callback([&ctx, args] { ctx.exitCode = RunMethodShow(ctx, *args); });
+    AddMethodRunCommands(method, ctx);
 }
