@@ -33,6 +33,12 @@ void IDevice::SetSnapshot(Snapshot values) {
     std::lock_guard lock(m_mutex);
     m_values = std::move(values);
     m_hasSnapshot = true;
+    ++m_serial;
+}
+
+uint64_t IDevice::SnapshotSerial() const {
+    std::lock_guard lock(m_mutex);
+    return m_serial;
 }
 
 IDevice::Snapshot IDevice::GetSnapshot() const {

@@ -120,6 +120,22 @@ QString ManagedInstrument::StateText(qint64 nowMs) const {
     return tr("Off line");
 }
 
+bool ManagedInstrument::RefreshActivity(qint64 nowMs) {
+    if (!m_sensor || !m_sensor->IsOnline(false)) {
+        m_activity = {};
+        return false;
+    }
+    const IDevice& device = m_sensor->GetDevice(L"VEXA");
+    const uint64_t serial = device.SnapshotSerial();
+    if (serial == m_statusSerial)
+        return false;
+    m_statusSerial = serial;
+    m_activity = InstrumentActivity::FromDevice(device);
+    if (m_activity.hasStatus)
+        m_lastStatusTime = nowMs;
+    return m_activity.hasStatus;
+}
+
 QString ManagedInstrument::Title() const {
     if (m_config.name == m_config.address)
         return m_config.name;

@@ -2,6 +2,7 @@
 // One instrument of the studio's list: its configuration, the sensor object its sensor type made for
 // it (the studio holds the first reference), and what the studio knows about its connection.
 // Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
+#include "instrumentactivity.h"
 #include "instrumentconfig.h"
 #include "reconnectschedule.h"
 #include "sensorref.h"
@@ -49,6 +50,20 @@ public:
     bool ExpectsOffline() const { return m_expectOffline; }
     void SetExpectsOffline(bool expect) { m_expectOffline = expect; }
 
+    // What the instrument is doing, from its last status (idle and without status while off line).
+    const InstrumentActivity& Activity() const { return m_activity; }
+    // Reads the sensor's last status; true when it is one not read before. Records when it came.
+    bool RefreshActivity(qint64 nowMs);
+    // When the last new status was read (ms since 1970), 0 when none has been.
+    qint64 LastStatusTime() const { return m_lastStatusTime; }
+    // What the studio keeps the instrument busy with ("Tuning ..."), shown with its state; empty when
+    // nothing.
+    const QString& BusyNote() const { return m_busyNote; }
+    void SetBusyNote(const QString& note) { m_busyNote = note; }
+    // Alarms active on the instrument now.
+    int AlarmCount() const { return m_alarmCount; }
+    void SetAlarmCount(int count) { m_alarmCount = count; }
+
     // ---- a drop the operator did not ask for ----
     // The sensor went off line by itself at `nowMs` (a steady clock): the first retry is scheduled.
     void BeginReconnecting(qint64 nowMs);
@@ -91,6 +106,12 @@ private:
     int m_lastError = 0;
     bool m_connecting = false;
     bool m_expectOffline = false;
+    InstrumentActivity m_activity;
+    uint64_t m_statusSerial = 0;
+    qint64 m_lastStatusTime = 0;
+    QString m_busyNote;
+    int m_alarmCount = 0;
+
     ReconnectSchedule m_schedule;
     QDateTime m_lostAt;
     bool m_retrying = false;

@@ -1,5 +1,6 @@
 #include "sensormanager.h"
 
+#include "eventwords.h"
 #include "managedinstrument.h"
 #include "movefolder.h"
 #include "paths.h"
@@ -21,22 +22,15 @@ QString ErrorText(int error) {
     return QString::fromStdWString(DescribeError(error));
 }
 
-QString EventName(quint32 code) {
-    switch (code) {
-    case kSensorEventOnline:
-        return QStringLiteral("on line");
-    case kSensorEventOffline:
-        return QStringLiteral("off line");
-    case kSensorEventBackup:
-        return QStringLiteral("backup finished");
-    default:
-        return {};
-    }
-}
 } // namespace
 
 SensorManager::SensorManager(QObject* parent) : QObject(parent) {
-    connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+    connect(&m_poller, &SensorPoller::polled, this, [this] {
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        for (ManagedInstrument* instrument : std::as_const(m_instruments))
+            instrument->RefreshActivity(now);
+        emit ticked();
+    });
     connect(&m_connector, &SensorConnector::finished, this, &SensorManager::OnRetryFinished);
     m_reconnectTimer.setInterval(kReconnectCheckMs);
     connect(&m_reconnectTimer, &QTimer::timeout, this, &SensorManager::StartDueRetries);
@@ -316,15 +310,8 @@ void SensorManager::Tick() {
 }
 
 void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text) {
-    const QString name = EventName(code);
-    QString line = tr("%1: sensor event %2").arg(instrument->Config().name).arg(code);
-    if (code >= 0x100)
-        line += QStringLiteral(" (0x%1)").arg(code, 0, 16);
-    if (!name.isEmpty())
-        line += QStringLiteral(" [%1]").arg(name);
-    if (!text.isEmpty())
-        line += QStringLiteral(": ") + text;
-    emit logMessage(line);
+    const EventWords words = DescribeSensorEvent(code, text);
+    emit eventLogged(tr("%1: %2").arg(instrument->Config().name, words.text), words.detail);
 
     if (code == kSensorEventOffline) {
         if (instrument->ExpectsOffline())
@@ -439,7 +426,8 @@ void SensorManager::OnRetryFinished(ISensorObject* sensor, bool online, int erro
     EmitChanged(instrument);
 }
 
-void SensorManager::EmitChanged(const ManagedInstrument* instrument) {
+void SensorManager::EmitChanged(ManagedInstrument* instrument) {
+    instrument->RefreshActivity(QDateTime::currentMSecsSinceEpoch());
     const int row = IndexOf(instrument);
     if (row >= 0)
         emit instrumentChanged(row);

@@ -80,12 +80,15 @@ public slots:
 
 signals:
     void logMessage(const QString& line);
+    // A notification of an instrument, in words, with its number as the detail.
+    void eventLogged(const QString& line, const QString& detail);
     void instrumentAboutToBeAdded(int row);
     void instrumentAdded(int row);
     void instrumentAboutToBeRemoved(int row);
     void instrumentRemoved(int row);
     void instrumentChanged(int row);
-    // When polls have ended and the sensors' status may have changed.
+    // When polls have ended and the sensors' status may have changed (each instrument's Activity has
+    // been read again).
     void ticked();
     // An instrument stopped answering, or came back: told once each, in words. `key` stays the same
     // for one instrument; linkForgotten says that its notices are moot (off line by choice, removed).
@@ -100,7 +103,7 @@ private:
     void StartDueRetries();
     void OnRetryFinished(ISensorObject* sensor, bool online, int error);
     static QString LinkKey(const ManagedInstrument* instrument);
-    void EmitChanged(const ManagedInstrument* instrument);
+    void EmitChanged(ManagedInstrument* instrument);
     void MoveSensorFolder(const QString& from, const QString& to);
 
     PluginCatalog m_plugins;
