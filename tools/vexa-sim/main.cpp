@@ -71,6 +71,8 @@ int main(int argc, char** argv) {
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
+    if (!options.profile.empty())
+        state.WatchProfile(options.profile);
     TuneRunner tuner(paths, state);
     BackupService backups(paths, state, options.faults);
     CommandLanguage commands(state, backups, &tuner);
