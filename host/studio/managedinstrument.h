@@ -4,7 +4,10 @@
 // Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
 #include "instrumentconfig.h"
 #include "sensorref.h"
+#include "statusmonitor.h"
 
+#include <QDateTime>
+#include <QList>
 #include <QObject>
 
 #include <memory>
@@ -46,6 +49,23 @@ public:
     bool ExpectsOffline() const { return m_expectOffline; }
     void SetExpectsOffline(bool expect) { m_expectOffline = expect; }
 
+    // Trends and alarms of this session.
+    StatusMonitor& Monitor() { return m_monitor; }
+    const StatusMonitor& Monitor() const { return m_monitor; }
+    int ActiveAlarmCount() const { return m_monitor.Alarms().ActiveCount(); }
+    // The alarms begun and ended this session, oldest first (the latest kMaxKept).
+    const QList<AlarmChange>& AlarmChanges() const { return m_alarmChanges; }
+    void NoteAlarmChanges(const std::vector<AlarmChange>& changes);
+
+    struct Notification {
+        QDateTime time;
+        quint32 code = 0;
+        QString text;
+    };
+    // The sensor's notifications received this session, oldest first (the latest kMaxKept).
+    const QList<Notification>& Notifications() const { return m_notifications; }
+    static constexpr int kMaxKept = 1000;
+
     // "On line", "Off line: 10061 (connection refused)", ...
     QString StateText() const;
     // "VEXA-1 (127.0.0.1)"
@@ -66,4 +86,7 @@ private:
     int m_lastError = 0;
     bool m_connecting = false;
     bool m_expectOffline = false;
+    StatusMonitor m_monitor;
+    QList<AlarmChange> m_alarmChanges;
+    QList<Notification> m_notifications;
 };

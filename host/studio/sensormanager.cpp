@@ -1,5 +1,6 @@
 #include "sensormanager.h"
 
+#include "alarmtext.h"
 #include "managedinstrument.h"
 #include "sensorevent.h"
 #include "sensorinfo.h"
@@ -33,6 +34,7 @@ QString EventName(quint32 code) {
 
 SensorManager::SensorManager(QObject* parent) : QObject(parent) {
     connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+    connect(&m_poller, &SensorPoller::sensorPolled, this, &SensorManager::OnPolled);
 }
 
 SensorManager::~SensorManager() {
@@ -139,6 +141,7 @@ int SensorManager::Add(const InstrumentConfig& config, bool transient) {
     const int row = Count();
     auto* instrument = new ManagedInstrument(config, transient, this);
     instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    ApplyAlarmSettings(instrument);
     connect(instrument, &ManagedInstrument::sensorEvent, this,
             [this, instrument](quint32 code, const QString& text) { OnSensorEvent(instrument, code, text); });
     emit instrumentAboutToBeAdded(row);
@@ -167,7 +170,9 @@ bool SensorManager::Replace(int row, const InstrumentConfig& config) {
         return true;
     }
     const bool wasOnline = instrument->GetState() == ManagedInstrument::State::Online;
+    ReportAlarms(instrument, instrument->Monitor().Alarms().ClearAll(QDateTime::currentMSecsSinceEpoch()));
     instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    ApplyAlarmSettings(instrument);
     emit logMessage(tr("Changed instrument %1 to %2, sensor type %3.")
                         .arg(old.name, instrument->Title(), config.sensorType));
     if (!instrument->Problem().isEmpty())
@@ -235,6 +240,7 @@ void SensorManager::GoOffline(int row) {
     instrument->SetLastError(0);
     instrument->Sensor()->Disconnect(0);
     emit logMessage(tr("%1 was taken off line.").arg(instrument->Title()));
+    ReportAlarms(instrument, instrument->Monitor().Alarms().ClearAll(QDateTime::currentMSecsSinceEpoch()));
     EmitChanged(instrument);
 }
 
@@ -290,9 +296,64 @@ void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, c
                 error != 0
                     ? tr("%1 went off line: error %2.").arg(instrument->Title(), ErrorText(error))
                     : tr("%1 went off line (the instrument stopped answering).").arg(instrument->Title()));
+            ReportAlarms(instrument,
+                         instrument->Monitor().Alarms().LinkLost(QDateTime::currentMSecsSinceEpoch(), error));
         }
+    } else if (code == kSensorEventOnline) {
+        ReportAlarms(instrument,
+                     instrument->Monitor().Alarms().LinkBack(QDateTime::currentMSecsSinceEpoch()));
     }
     EmitChanged(instrument);
+}
+
+void SensorManager::SetAlarmSettings(const AlarmLimits& limits, int intervalMs) {
+    m_alarmLimits = limits;
+    m_alarmIntervalMs = intervalMs;
+    for (ManagedInstrument* instrument : std::as_const(m_instruments))
+        ApplyAlarmSettings(instrument);
+}
+
+void SensorManager::ApplyAlarmSettings(ManagedInstrument* instrument) {
+    instrument->Monitor().Alarms().SetLimits(m_alarmLimits);
+    if (m_alarmIntervalMs > 0 && instrument->Sensor())
+        instrument->Sensor()->SetAlarmInterval(m_alarmIntervalMs);
+}
+
+int SensorManager::ActiveAlarmCount(int row) const {
+    const ManagedInstrument* instrument = At(row);
+    return instrument ? instrument->ActiveAlarmCount() : 0;
+}
+
+int SensorManager::InstrumentsInAlarm() const {
+    int count = 0;
+    for (const ManagedInstrument* instrument : m_instruments)
+        count += instrument->ActiveAlarmCount() > 0 ? 1 : 0;
+    return count;
+}
+
+// One point of the trends and one judgement of the alarms per poll, from the snapshot that poll took.
+void SensorManager::OnPolled(ISensorObject* sensor) {
+    for (ManagedInstrument* instrument : std::as_const(m_instruments)) {
+        if (instrument->Sensor() != sensor)
+            continue;
+        if (sensor->IsOnline(false) && sensor->GetDevice(L"VEXA").HasSnapshot())
+            ReportAlarms(instrument,
+                         instrument->Monitor().Sample(*sensor, QDateTime::currentMSecsSinceEpoch()));
+        return;
+    }
+}
+
+void SensorManager::ReportAlarms(ManagedInstrument* instrument, const std::vector<AlarmChange>& changes) {
+    if (changes.empty())
+        return;
+    instrument->NoteAlarmChanges(changes);
+    for (const AlarmChange& change : changes)
+        emit logMessage(QStringLiteral("%1: %2").arg(instrument->Config().name, AlarmText::Change(change)));
+    const int row = IndexOf(instrument);
+    if (row >= 0) {
+        emit alarmsChanged(row);
+        emit instrumentChanged(row);
+    }
 }
 
 void SensorManager::EmitChanged(const ManagedInstrument* instrument) {

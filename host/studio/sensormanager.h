@@ -6,6 +6,7 @@
 // Going on line runs on the GUI thread; the link's pumping wait dispatches events meanwhile, so these
 // operations can be re-entered from the window. An instrument that is connecting is therefore never
 // removed or replaced. The timer's polls run on pool threads (SensorPoller), one per instrument.
+#include "alarmevaluator.h"
 #include "instrumentconfig.h"
 #include "plugincatalog.h"
 #include "sensorpoller.h"
@@ -56,6 +57,13 @@ public:
     // The interval at which Tick should run: the smallest alarm interval of the sensors (1 s default).
     int TimerInterval() const;
 
+    // The limits every instrument's alarms are judged by, and the interval each sensor is polled at
+    // (new sensors get them too).
+    void SetAlarmSettings(const AlarmLimits& limits, int intervalMs);
+    // Active alarms of one instrument (0 for a bad row), and how many instruments have any.
+    int ActiveAlarmCount(int row) const;
+    int InstrumentsInAlarm() const;
+
 public slots:
     // The alarm timer: starts OnTimer for every on-line sensor whose previous poll has ended, and
     // returns at once.
@@ -68,14 +76,22 @@ signals:
     void instrumentAboutToBeRemoved(int row);
     void instrumentRemoved(int row);
     void instrumentChanged(int row);
+    // An instrument's alarms began or ended (after the log lines).
+    void alarmsChanged(int row);
     // When polls have ended and the sensors' status may have changed.
     void ticked();
 
 private:
     void OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text);
     void EmitChanged(const ManagedInstrument* instrument);
+    void OnPolled(ISensorObject* sensor);
+    void ApplyAlarmSettings(ManagedInstrument* instrument);
+    // Logs the changes, keeps them with the instrument and tells the views.
+    void ReportAlarms(ManagedInstrument* instrument, const std::vector<AlarmChange>& changes);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;
     SensorPoller m_poller;
+    AlarmLimits m_alarmLimits;
+    int m_alarmIntervalMs = 0; // 0: the sensors' own
 };

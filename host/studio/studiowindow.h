@@ -62,6 +62,8 @@ public slots:
     void RunTool(int toolIndex);
     // The method editor's actions (the Method Editor tool offers them in a menu).
     void RunMethodEditor(ToolRunner::MethodAction action);
+    // File > Settings...; the alarm settings apply at once on OK.
+    void ShowSettings();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -85,6 +87,10 @@ private:
     void UpdateSummary();
     void RestartTimer();
     void ShowAbout();
+    // Reads the alarm limits and interval from the settings and hands them to the sensors.
+    void ApplySettings();
+    // Raises the tool window of that class open on the selected instrument, or opens one.
+    template <class ToolWindow> void ShowToolWindow();
     ISensorInfo* ToolSensorType() const;
     void Message(const QString& text);
 
@@ -112,6 +118,7 @@ private:
     QSplitter* m_topSplitter = nullptr;
     QSplitter* m_rightSplitter = nullptr;
 
+    QAction* m_settingsAction = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_addAction = nullptr;
     QAction* m_editAction = nullptr;

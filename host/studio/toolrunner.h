@@ -2,9 +2,9 @@
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
 // for a data file, Run Method asks for a method on the instrument and starts it there, the Method
-// Editor makes or opens methods and sequences through the sensor type, Status shows the status panel,
-// Tune tunes the selected instrument and shows its tune reports; the remaining host features are
-// outside the studio and say so. Files chosen in Manage Files and Data Review are handed on.
+// Editor makes or opens methods and sequences through the sensor type, Status and the Service Module
+// open their windows, Tune tunes the selected instrument and shows its tune reports; any other host
+// feature is outside the studio and says so. Files chosen in Manage Files and Data Review are handed on.
 #include <QString>
 
 class ISensorInfo;
@@ -22,7 +22,8 @@ public:
             SelectionCancelled,     // the file selection was cancelled (or the module has no dialog)
             MethodStarted,          // Run Method: the instrument runs the chosen method
             MethodFailed,           // Run Method: nothing chosen on the instrument, or it refused
-            ShowStatus,             // the window should show the status panel
+            ShowStatus,             // the window should open the instrument's status window
+            ShowService,            // the window should open the instrument's Service Module
             Tuned,                  // the instrument tuned and its reports were shown
             TuneFailed,             // the instrument could not tune (off line, refused)
             NeedsInstrument,        // the tool works on a sensor and none is selected
