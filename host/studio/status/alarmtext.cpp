@@ -41,9 +41,25 @@ QString Describe(const Alarm& alarm) {
     return {};
 }
 
+QString Subject(const Alarm& alarm) {
+    const QString name = QString::fromStdWString(alarm.name);
+    switch (alarm.kind) {
+    case Alarm::Kind::ReadingHigh:
+        return Tr("%1 above %2").arg(name, Value(alarm.limit, alarm.unit));
+    case Alarm::Kind::HeaterDeviation:
+        return Tr("%1 away from %2 %3 where it settled")
+            .arg(name, Value(alarm.limit, alarm.unit), QString::fromStdWString(alarm.unit));
+    case Alarm::Kind::NotReady:
+        return Tr("not ready");
+    case Alarm::Kind::LinkLost:
+        return Tr("link lost");
+    }
+    return {};
+}
+
 QString Change(const AlarmChange& change) {
     return change.raised ? Tr("alarm: %1").arg(Describe(change.alarm))
-                         : Tr("alarm over: %1").arg(Describe(change.alarm));
+                         : Tr("alarm over: %1").arg(Subject(change.alarm));
 }
 
 } // namespace AlarmText

@@ -7,12 +7,14 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 constexpr int kStripHeight = 90;
 constexpr int kLabelWidth = 170;
 constexpr int kMargin = 6;
+constexpr qint64 kShortestSpanMs = 60 * 1000;
 } // namespace
 
 TrendPlot::TrendPlot(QWidget* parent) : QWidget(parent) {
@@ -35,6 +37,15 @@ QSize TrendPlot::sizeHint() const {
 
 QSize TrendPlot::minimumSizeHint() const {
     return {320, qMax(1, static_cast<int>(m_keys.size())) * kStripHeight + 2 * kMargin};
+}
+
+// The history's window, narrowed to the time it covers so a young history is not a sliver at the edge.
+qint64 TrendPlot::StartMs(qint64 endMs) const {
+    qint64 start = endMs - m_history->WindowMs();
+    if (!m_history->Times().empty())
+        start =
+            std::max<qint64>(start, std::min<qint64>(m_history->Times().front(), endMs - kShortestSpanMs));
+    return start;
 }
 
 void TrendPlot::paintEvent(QPaintEvent*) {
@@ -60,7 +71,7 @@ void TrendPlot::PaintStrip(QPainter& painter, const QRect& area, const QString& 
     painter.drawRect(plot);
 
     const auto& times = m_history->Times();
-    const qint64 startMs = endMs - m_history->WindowMs();
+    const qint64 startMs = StartMs(endMs);
     painter.setPen(palette().color(QPalette::Text));
     const QRect labelArea(area.left(), area.top(), kLabelWidth - 8, plot.height());
     if (!channel) {
@@ -99,7 +110,9 @@ void TrendPlot::PaintStrip(QPainter& painter, const QRect& area, const QString& 
     painter.drawText(plot.adjusted(3, 1, -3, -1), Qt::AlignBottom | Qt::AlignLeft,
                      AlarmText::Value(low, channel->unit));
     const QRect axis(plot.left(), plot.bottom() + 1, plot.width(), 13);
-    painter.drawText(axis, Qt::AlignLeft | Qt::AlignTop, tr("-%1 min").arg(m_history->WindowMs() / 60000));
+    painter.drawText(axis, Qt::AlignLeft | Qt::AlignTop,
+                     tr("-%1 min").arg(QString::number(double(endMs - startMs) / 60000.0, 'f',
+                                                       endMs - startMs < 600000 ? 1 : 0)));
     painter.drawText(axis, Qt::AlignRight | Qt::AlignTop, tr("now"));
     painter.setFont(QFont());
 

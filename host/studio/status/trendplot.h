@@ -1,6 +1,7 @@
 #pragma once
 // The trends of an instrument's readings: one strip per chosen reading, stacked, each scaled to its
-// own range, over the history's whole window ending now. Gaps (a reading missing from a poll) break the
+// own range, over the history's window ending now (narrowed to the time the history covers, at least
+// a minute). Gaps (a reading missing from a poll) break the
 // line. Draws from the history it is given at each paint; the owner keeps the history alive and calls
 // update() when it grows.
 #include <QStringList>
@@ -27,6 +28,7 @@ protected:
 
 private:
     void PaintStrip(class QPainter& painter, const QRect& area, const QString& key, qint64 endMs);
+    qint64 StartMs(qint64 endMs) const;
 
     const StatusHistory* m_history = nullptr;
     QStringList m_keys;

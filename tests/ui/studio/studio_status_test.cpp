@@ -82,10 +82,10 @@ TEST_F(StudioTest, AlarmsBeginAndEndOnceWithAScriptedStatus) {
     EXPECT_GE(status->ReadingPicker()->count(), 10);
 
     const QString pressure = "alarm: Total MS Pressure (Pa) 5.00e-02 is above 1.00e-02";
-    const QString pressureOver = "alarm over: Total MS Pressure (Pa)";
+    const QString pressureOver = "alarm over: Total MS Pressure (Pa) above 1.00e-02";
     const QString notReady = "alarm: not ready for";
     const QString heater = "alarm: Column at 170.0 C, settled at 150.0 C";
-    const QString heaterOver = "alarm over: Column at";
+    const QString heaterOver = "alarm over: Column away from 150.0 C where it settled";
     WriteProfile(profile, kTroubled);
     ASSERT_TRUE(WaitFor([&] {
         return LogText().contains(pressure) && LogText().contains(notReady) && LogText().contains(heaterOver);
