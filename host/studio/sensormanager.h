@@ -6,13 +6,19 @@
 // Going on line runs on the GUI thread; the link's pumping wait dispatches events meanwhile, so these
 // operations can be re-entered from the window. An instrument that is connecting is therefore never
 // removed or replaced. The timer's polls run on pool threads (SensorPoller), one per instrument.
+//
+// An instrument that went off line by itself (not through GoOffline) is retried on its back-off
+// schedule; the retries run on pool threads (SensorConnector), so the window never waits for them,
+// and such an instrument may be taken off line or removed while a retry runs.
 #include "alarmevaluator.h"
 #include "instrumentconfig.h"
 #include "plugincatalog.h"
+#include "sensorconnector.h"
 #include "sensorpoller.h"
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 
 class ManagedInstrument;
 class ISensorInfo;
@@ -47,12 +53,23 @@ public:
 
     // Adds an instrument at the end; returns its row. The entry should have passed Validate.
     int Add(const InstrumentConfig& config, bool transient);
-    // Replaces the configuration of a row; a new address or type makes a new sensor object.
+    // Replaces the configuration of a row; a new address or type makes a new sensor object. A new name
+    // moves the instrument's PC folder with it (into the new name's folder when that exists already,
+    // keeping what is there) and says so in the log.
     bool Replace(int row, const InstrumentConfig& config);
+    // The PC folder of the instrument called `name`: downloads, backups and saved methods.
+    static QString SensorFolder(const QString& name);
     // False while the instrument is connecting.
     bool Remove(int row);
+    // On a reconnecting instrument: the retry starts at once, in the background (false then).
     bool GoOnline(int row);
+    // Also ends the retries of a dropped instrument.
     void GoOffline(int row);
+
+    // How often due retries are looked for and the countdowns redrawn.
+    static constexpr int kReconnectCheckMs = 250;
+    // An instrument that drops again this soon after it came back is still the same outage.
+    static constexpr qint64 kSettleMs = 10000;
 
     // The interval at which Tick should run: the smallest alarm interval of the sensors (1 s default).
     int TimerInterval() const;
@@ -80,18 +97,31 @@ signals:
     void alarmsChanged(int row);
     // When polls have ended and the sensors' status may have changed.
     void ticked();
+    // An instrument stopped answering, or came back: told once each, in words. `key` stays the same
+    // for one instrument; linkForgotten says that its notices are moot (off line by choice, removed).
+    void linkLost(const QString& key, const QString& text);
+    void linkReturned(const QString& key, const QString& text);
+    void linkForgotten(const QString& key);
 
 private:
     void OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text);
+    void OnDropped(ManagedInstrument* instrument, const QString& text);
+    void OnReturned(ManagedInstrument* instrument);
+    void StartDueRetries();
+    void OnRetryFinished(ISensorObject* sensor, bool online, int error);
+    static QString LinkKey(const ManagedInstrument* instrument);
     void EmitChanged(const ManagedInstrument* instrument);
     void OnPolled(ISensorObject* sensor);
     void ApplyAlarmSettings(ManagedInstrument* instrument);
     // Logs the changes, keeps them with the instrument and tells the views.
     void ReportAlarms(ManagedInstrument* instrument, const std::vector<AlarmChange>& changes);
+    void MoveSensorFolder(const QString& from, const QString& to);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;
     SensorPoller m_poller;
     AlarmLimits m_alarmLimits;
     int m_alarmIntervalMs = 0; // 0: the sensors' own
+    SensorConnector m_connector;
+    QTimer m_reconnectTimer;
 };

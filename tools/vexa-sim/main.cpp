@@ -5,12 +5,14 @@
 #include <filesystem>
 #include <unistd.h>
 
+#include "acquisitionservice.h"
 #include "backupservice.h"
 #include "commandlanguage.h"
 #include "deviceprofile.h"
 #include "fileservice.h"
 #include "instrumentstate.h"
 #include "pathconfinement.h"
+#include "samplemixture.h"
 #include "simoptions.h"
 #include "simserver.h"
 #include "tracelog.h"
@@ -67,6 +69,12 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    SampleMixture sample;
+    if (!options.sample.empty() && !sample.LoadFile(options.sample, &problem)) {
+        std::fprintf(stderr, "vexa-sim: %s\n", problem.c_str());
+        return 1;
+    }
+
     TraceLog log(options.trace);
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
@@ -75,7 +83,8 @@ int main(int argc, char** argv) {
         state.WatchProfile(options.profile);
     TuneRunner tuner(paths, state);
     BackupService backups(paths, state, options.faults);
-    CommandLanguage commands(state, backups, &tuner);
+    AcquisitionService acquisitions(paths, state, {options.timeScale, options.sample, options.seed});
+    CommandLanguage commands(state, backups, &tuner, &acquisitions);
     SimServer server(SimServices{files, commands, options.faults, log, options.replyDelayMs});
 
     int wakeRead = -1;

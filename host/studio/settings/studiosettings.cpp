@@ -27,8 +27,9 @@ QList<SettingEntry> MakeEntries() {
     return {
         {programs, "Programs", "Nist", Tr("NIST program:"), Kind::Program, {}, 0, 0,
          Tr("Started by the NIST tool (F8). Empty: not configured.")},
-        {programs, "Programs", "NistArguments", Tr("NIST arguments:"), Kind::Text, {}, 0, 0,
-         Tr("Arguments given to the NIST program, separated by blanks.")},
+        {programs, "Programs", "NistArguments", Tr("NIST arguments:"), Kind::Text, "%1", 0, 0,
+         Tr("The NIST program's command line; %1 is the spectrum file Data Review's F8 hands over (the NIST "
+            "tool passes none).")},
         {programs, "Programs", "Amdis", Tr("AMDIS program:"), Kind::Program, {}, 0, 0,
          Tr("Started by the AMDIS tool (Shift+F8). Empty: not configured.")},
         {programs, "Programs", "AmdisArguments", Tr("AMDIS arguments:"), Kind::Text, "%1 %2", 0, 0,

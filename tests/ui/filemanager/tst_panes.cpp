@@ -10,6 +10,7 @@
 #include "vexafiledlg.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
+#include "winsockerror.h"
 
 #include <QAction>
 #include <QApplication>
@@ -20,6 +21,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 
 namespace {
 
@@ -379,15 +381,87 @@ TEST_F(FileManagerTest, IdleInstrumentEnablesBackupAllWhichAsksFirst) {
     EXPECT_EQ(questions[0].caption, L"Backup");
 }
 
-TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
+// Refused commands are shown disabled: each instrument command is enabled only when it can act.
+TEST_F(FileManagerTest, InstrumentCommandsAreEnabledOnlyWhenTheyCanAct) {
+    m_temp.createFile("pc/a.txt", "a");
     StartInstrument();
     CVexaFileDlg& dialog = OpenDialog();
-    ASSERT_GT(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
-    m_instrument.sim().stop();
-    m_instrument.sensor()->Disconnect(0);
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    const auto selectIn = [&](int pane, CPXExplorerCtrl* view, const std::vector<std::wstring>& names) {
+        if (names.empty())
+            view->ClearSelection();
+        else
+            Select(view, names);
+        dialog.UpdateButtons(pane, true);
+    };
+    const auto goOffline = [&] {
+        m_instrument.sim().stop();
+        m_instrument.sensor()->Disconnect(0);
+        ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
+        selectIn(CVexaFileDlg::kLocalPane, pc, {L"a.txt"});
+    };
+    const struct {
+        const char* state;
+        std::function<void()> reach;
+        bool backup, backupAll, newFolder, copyToInstrument;
+    } rows[] = {
+        {"on line, nothing selected", [] {}, false, true, true, false},
+        {"an instrument entry selected", [&] { selectIn(CVexaFileDlg::kRemotePane, instrument, {L"Data"}); },
+         true, true, true, false},
+        {"a PC file selected", [&] { selectIn(CVexaFileDlg::kLocalPane, pc, {L"a.txt"}); }, true, true, true,
+         true},
+        {"the instrument selection cleared", [&] { selectIn(CVexaFileDlg::kRemotePane, instrument, {}); },
+         false, true, true, true},
+        {"off line, a PC file selected", goOffline, false, false, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.state);
+        row.reach();
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_BACKUP)->isEnabled(), row.backup);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled(), row.backupAll);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_NEW_FOLDER)->isEnabled(), row.newFolder);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled(), row.copyToInstrument);
+    }
+    EXPECT_TRUE(m_prompt.Asked().empty());
+}
+
+// The instrument drops while shown (its simulator refuses everything for a while): the pane says it is
+// away and offers nothing that needs it, then comes back by itself in the folder it showed.
+TEST_F(FileManagerTest, DroppedInstrumentIsShownAwayAndComesBackInItsFolder) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument({"--fault", "outage=3000:2000"});
+    CVexaFileDlg& dialog = OpenDialog();
+    ASSERT_TRUE(dialog.ShowRemoteFolder(L"/Method"));
+    const int listed = dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount();
+    ASSERT_GT(listed, 1);
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage:") != std::string::npos; }, 10000));
+    // What the studio's poll does when the status command finds the link gone.
+    m_instrument.sensor()->Disconnect(kWsaConnReset);
     ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
     EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
-    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");
+    EXPECT_NE(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS).find(L"is not answering"), std::wstring::npos);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/Method");
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled())
+        << "the folder is kept for the return";
+    Select(dialog.View(CVexaFileDlg::kLocalPane), {L"a.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+
+    // What the studio's reconnection does once the instrument answers again.
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage over") != std::string::npos; }, 10000));
+    ASSERT_TRUE(m_instrument.sensor()->GoOnline());
+    ASSERT_TRUE(WaitFor([&] { return dialog.IsInstrumentOnline(); }));
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/Method");
+    EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), listed);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), std::to_wstring(listed) + L" Object(s)");
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled());
+    Select(dialog.View(CVexaFileDlg::kLocalPane), {L"a.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
 }
 
 // Not a check: with VEXA_SCREENSHOT set, saves the dialog over the demo tree as a picture for people.
