@@ -56,6 +56,9 @@ public:
     int getBackupProgress(bool* available = nullptr) const;
     // Whether the instrument is ready for a run (key ready); default false.
     bool isReady(bool* available = nullptr) const;
+    // The instrument's serial number and firmware version (keys serial, firmware); empty when unknown.
+    std::wstring getSerial(bool* available = nullptr) const;
+    std::wstring getFirmware(bool* available = nullptr) const;
 
     // ---- commands (through the sensor's channel 0) ----
     // Each returns false when there is no sensor or channel (error 10057) or the instrument refuses the

@@ -146,5 +146,16 @@ void ManagedInstrument::customEvent(QEvent* event) {
     if (event->type() != CSensorNotifyEvent::kDefaultType)
         return QObject::customEvent(event);
     const ISensorEvent& notification = static_cast<CSensorNotifyEvent*>(event)->SensorEvent();
+    m_notifications.append(
+        {QDateTime::currentDateTime(), notification.code, QString::fromStdWString(notification.text)});
+    if (m_notifications.size() > kMaxKept)
+        m_notifications.removeFirst();
     emit sensorEvent(notification.code, QString::fromStdWString(notification.text));
+}
+
+void ManagedInstrument::NoteAlarmChanges(const std::vector<AlarmChange>& changes) {
+    for (const AlarmChange& change : changes)
+        m_alarmChanges.append(change);
+    while (m_alarmChanges.size() > kMaxKept)
+        m_alarmChanges.removeFirst();
 }

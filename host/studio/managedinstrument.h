@@ -6,8 +6,10 @@
 #include "instrumentconfig.h"
 #include "reconnectschedule.h"
 #include "sensorref.h"
+#include "statusmonitor.h"
 
 #include <QDateTime>
+#include <QList>
 #include <QObject>
 
 #include <memory>
@@ -61,8 +63,24 @@ public:
     const QString& BusyNote() const { return m_busyNote; }
     void SetBusyNote(const QString& note) { m_busyNote = note; }
     // Alarms active on the instrument now.
-    int AlarmCount() const { return m_alarmCount; }
-    void SetAlarmCount(int count) { m_alarmCount = count; }
+    int AlarmCount() const { return ActiveAlarmCount(); }
+
+    // Trends and alarms of this session.
+    StatusMonitor& Monitor() { return m_monitor; }
+    const StatusMonitor& Monitor() const { return m_monitor; }
+    int ActiveAlarmCount() const { return m_monitor.Alarms().ActiveCount(); }
+    // The alarms begun and ended this session, oldest first (the latest kMaxKept).
+    const QList<AlarmChange>& AlarmChanges() const { return m_alarmChanges; }
+    void NoteAlarmChanges(const std::vector<AlarmChange>& changes);
+
+    struct Notification {
+        QDateTime time;
+        quint32 code = 0;
+        QString text;
+    };
+    // The sensor's notifications received this session, oldest first (the latest kMaxKept).
+    const QList<Notification>& Notifications() const { return m_notifications; }
+    static constexpr int kMaxKept = 1000;
 
     // ---- a drop the operator did not ask for ----
     // The sensor went off line by itself at `nowMs` (a steady clock): the first retry is scheduled.
@@ -110,8 +128,10 @@ private:
     uint64_t m_statusSerial = 0;
     qint64 m_lastStatusTime = 0;
     QString m_busyNote;
-    int m_alarmCount = 0;
 
+    StatusMonitor m_monitor;
+    QList<AlarmChange> m_alarmChanges;
+    QList<Notification> m_notifications;
     ReconnectSchedule m_schedule;
     QDateTime m_lostAt;
     bool m_retrying = false;

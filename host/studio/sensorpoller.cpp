@@ -41,6 +41,7 @@ void SensorPoller::Finish() {
 void SensorPoller::Done(ISensorObject* sensor) {
     if (m_running.erase(sensor) == 0)
         return; // released by Finish already
+    emit sensorPolled(sensor);
     if (m_signalQueued)
         return;
     m_signalQueued = true;

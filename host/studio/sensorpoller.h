@@ -27,6 +27,8 @@ public:
     void Finish();
 
 signals:
+    // One sensor's poll has ended (GUI thread; its snapshot is the poll's).
+    void sensorPolled(ISensorObject* sensor);
     // Polls have ended since the last signal (one signal per pass of the event loop).
     void polled();
 

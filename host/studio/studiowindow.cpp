@@ -14,7 +14,11 @@
 #include "sensorinfo.h"
 #include "sensormanager.h"
 #include "sensorref.h"
+#include "servicewindow.h"
+#include "settingsdialog.h"
 #include "statuspanel.h"
+#include "statuswindow.h"
+#include "studiosettings.h"
 #include "toollist.h"
 #include "toolrunner.h"
 
@@ -117,6 +121,9 @@ QList<InstrumentEditorDialog::TypeChoice> TypeChoices(const QList<ISensorInfo*>&
 // ---- construction ----
 
 void StudioWindow::BuildActions() {
+    m_settingsAction = new QAction(tr("&Settings..."), this);
+    m_settingsAction->setMenuRole(QAction::PreferencesRole);
+    connect(m_settingsAction, &QAction::triggered, this, &StudioWindow::ShowSettings);
     m_quitAction = new QAction(tr("&Quit"), this);
     m_quitAction->setShortcut(QKeySequence::Quit);
     m_quitAction->setMenuRole(QAction::QuitRole);
@@ -151,6 +158,8 @@ void StudioWindow::BuildActions() {
 
 void StudioWindow::BuildMenus() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->addAction(m_settingsAction);
+    file->addSeparator();
     file->addAction(m_quitAction);
     QMenu* instrument = menuBar()->addMenu(tr("&Instrument"));
     instrument->addAction(m_addAction);
@@ -318,6 +327,7 @@ void StudioWindow::Start() {
     const QString folder = m_startup.pluginDir;
     m_log->Append(tr("VEXA Studio started; plug-in folder %1.").arg(QDir::toNativeSeparators(folder)));
     m_sensors->LoadPlugins(folder);
+    ApplySettings();
     ShowPluginProblem();
     UpdateSummary();
 
@@ -619,10 +629,10 @@ void StudioWindow::RunTool(int toolIndex) {
         statusBar()->showMessage(outcome.message, kMessageTimeoutMs);
         break;
     case Kind::ShowStatus:
-        if (SelectedRow() < 0)
-            SelectRow(0);
-        m_status->setFocus(Qt::ShortcutFocusReason);
-        RefreshStatus();
+        ShowToolWindow<StatusWindow>();
+        break;
+    case Kind::ShowService:
+        ShowToolWindow<ServiceWindow>();
         break;
     case Kind::NeedsInstrument:
     case Kind::OutOfScope:
@@ -688,6 +698,34 @@ void StudioWindow::RunMethodEditor(ToolRunner::MethodAction action) {
     m_log->Append(outcome.message);
     if (outcome.kind == ToolRunner::Outcome::Kind::NeedsInstrument)
         Message(outcome.message);
+}
+
+template <class ToolWindow> void StudioWindow::ShowToolWindow() {
+    ManagedInstrument* instrument = m_sensors->At(SelectedRow());
+    if (!instrument)
+        return;
+    ToolWindow* window = nullptr;
+    for (ToolWindow* open : findChildren<ToolWindow*>(Qt::FindDirectChildrenOnly)) {
+        if (open->Instrument() == instrument)
+            window = open;
+    }
+    if (!window)
+        window = new ToolWindow(*m_sensors, *instrument, this);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void StudioWindow::ShowSettings() {
+    SettingsDialog dialog(m_registry, this);
+    if (dialog.exec() == QDialog::Accepted)
+        ApplySettings();
+}
+
+void StudioWindow::ApplySettings() {
+    m_sensors->SetAlarmSettings(StudioSettings::ReadAlarmLimits(m_registry),
+                                StudioSettings::ReadAlarmInterval(m_registry));
+    RestartTimer();
 }
 
 void StudioWindow::SaveInstruments() {

@@ -79,6 +79,8 @@ public slots:
     void RunMethodEditor(ToolRunner::MethodAction action);
     // Opens a data file for review (Runs' Review).
     void ReviewDataFile(const QString& file);
+    // File > Settings...; the alarm settings apply at once on OK.
+    void ShowSettings();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -103,6 +105,10 @@ private:
     void UpdateSummary();
     void RestartTimer();
     void ShowAbout();
+    // Reads the alarm limits and interval from the settings and hands them to the sensors.
+    void ApplySettings();
+    // Raises the tool window of that class open on the selected instrument, or opens one.
+    template <class ToolWindow> void ShowToolWindow();
     ISensorInfo* ToolSensorType() const;
     void Message(const QString& text);
 
@@ -135,6 +141,7 @@ private:
     QSplitter* m_topSplitter = nullptr;
     QSplitter* m_rightSplitter = nullptr;
 
+    QAction* m_settingsAction = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_addAction = nullptr;
     QAction* m_editAction = nullptr;

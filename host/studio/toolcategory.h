@@ -13,4 +13,5 @@ inline constexpr int kToolIndexDataReview = 0;  // in kToolCategoryFiles
 inline constexpr int kToolIndexManageFiles = 1; // in kToolCategoryFiles
 inline constexpr int kToolIndexRunMethod = 10;  // in kToolCategoryRun
 inline constexpr int kToolIndexStatus = 3;      // in kToolCategoryStatus
+inline constexpr int kToolIndexService = 4;     // in kToolCategoryStatus
 inline constexpr int kToolIndexTune = 7;        // in kToolCategoryRun

@@ -71,8 +71,14 @@ ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& t
     if (tool.category == kToolCategoryMethods)
         return {Kind::ChooseMethodAction,
                 Tr("%1: new method, new sequence, open or default methods.").arg(name)};
-    if (tool.category == kToolCategoryStatus && tool.index == kToolIndexStatus)
-        return {Kind::ShowStatus, Tr("Showing the status panel.")};
+    if (tool.category == kToolCategoryStatus &&
+        (tool.index == kToolIndexStatus || tool.index == kToolIndexService)) {
+        if (!sensor)
+            return {Kind::NeedsInstrument,
+                    Tr("%1 works on an instrument: select one in the list first.").arg(name)};
+        return {tool.index == kToolIndexStatus ? Kind::ShowStatus : Kind::ShowService,
+                Tr("%1 of %2 opened.").arg(name, QString::fromStdWString(sensor->GetName()))};
+    }
     return {Kind::OutOfScope,
             Tr("%1 (%2) is a feature of the full instrument suite; VEXA Studio does not provide it.")
                 .arg(name, QString::fromStdWString(tool.description))};

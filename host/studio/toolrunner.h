@@ -3,9 +3,9 @@
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
 // for a data file for the Data Review window, Run Method asks for a method or sequence on the
 // instrument (the window runs it), the Method Editor makes or opens methods and sequences through the
-// sensor type, Status shows the status panel, Tune asks, tunes the selected instrument and shows its
-// tune reports on the new report; the remaining host features are outside the studio and say so. A
-// file chosen in Manage Files is handed on.
+// sensor type, Status and the Service Module open their windows, Tune asks, tunes the selected
+// instrument and shows its tune reports on the new report; any other host feature is outside the
+// studio and says so. A file chosen in Manage Files is handed on.
 #include <QString>
 
 #include <functional>
@@ -27,7 +27,8 @@ public:
             SelectionCancelled,     // the file selection was cancelled (or the module has no dialog)
             MethodChosen,           // Run Method: `file` is the method or sequence to run
             MethodFailed,           // Run Method: the file chosen is not on the instrument
-            ShowStatus,             // the window should show the status panel
+            ShowStatus,             // the window should open the instrument's status window
+            ShowService,            // the window should open the instrument's Service Module
             Tuned,                  // the instrument tuned and its reports were shown
             TuneDeclined,           // the operator answered No: nothing was sent
             TuneFailed,             // the instrument could not tune (off line, refused)

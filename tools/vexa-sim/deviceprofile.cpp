@@ -129,6 +129,10 @@ bool DeviceProfile::LoadText(const std::string& text, std::string* problem) {
                 drift = value.get<bool>();
         } else if (key == "methodMRU") {
             good = ReadTexts(value, &methodMRU);
+        } else if (key == "serial" || key == "firmware") {
+            good = value.is_string();
+            if (good)
+                (key == "serial" ? serial : firmware) = value.get<std::string>();
         } else if (key == "omitKeys") {
             good = ReadTexts(value, &omitKeys);
         } else if (key == "parameters") {

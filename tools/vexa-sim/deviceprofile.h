@@ -29,6 +29,8 @@ public:
     int carrierControlPres = 0;
     double totalPres = 0; // Pa
     std::vector<std::string> methodMRU;
+    std::string serial = "VX-0427";
+    std::string firmware = "4.2.1";
     double methodSeconds = 5;
     // Readings wander a little around their values, as a real instrument's do.
     bool drift = true;

@@ -79,6 +79,8 @@ int main(int argc, char** argv) {
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
+    if (!options.profile.empty())
+        state.WatchProfile(options.profile);
     TuneRunner tuner(paths, state);
     BackupService backups(paths, state, options.faults);
     AcquisitionService acquisitions(paths, state, {options.timeScale, options.sample, options.seed});

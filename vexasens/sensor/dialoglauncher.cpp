@@ -13,3 +13,7 @@ void SetVexaDialogLauncher(IVexaDialogLauncher* launcher) {
 IVexaDialogLauncher* VexaDialogLauncher() {
     return g_launcher.load();
 }
+
+bool IVexaDialogLauncher::EditTextFile(VEXASensorObject&, const std::wstring&) {
+    return false;
+}

@@ -178,6 +178,11 @@ std::wstring VEXASensorObject::GetStatusValue(int section, int line) {
     return VexaStatusReport(device).Value(section, line);
 }
 
+bool VEXASensorObject::EditTextFile(const std::wstring& fullName) {
+    IVexaDialogLauncher* launcher = VexaDialogLauncher();
+    return launcher && launcher->EditTextFile(*this, fullName);
+}
+
 void VEXASensorObject::ShowTuneReports() {
     if (IVexaDialogLauncher* launcher = VexaDialogLauncher())
         launcher->ShowTuneReports(*this, PXLoadCString(kTuneFileTitle));

@@ -45,6 +45,7 @@ public:
     void ShowTuneReports() override;
     bool IsLinkOpen() const override;
     int GetLastLinkError() const override;
+    bool EditTextFile(const std::wstring& fullName) override;
 
     // ---- the instrument link ----
     // Fills exactly `count` bytes or fails: returns count (0 for 0) or -1 with the last link error set.

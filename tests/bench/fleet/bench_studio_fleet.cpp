@@ -163,5 +163,15 @@ int main(int argc, char** argv) {
         "largest event-loop gap of the GUI thread: %lld ms (heartbeat every %d ms; goal: at most 50 ms)\n",
         static_cast<long long>(longestGap), kHeartbeatMs);
     std::printf("processor use: %.2f s in %d s (%.0f%% of one core)\n", cpu, seconds, 100.0 * cpu / seconds);
+    // The trends keep one point per poll: an hour's worth, from the bytes per point measured here.
+    double worstHourBytes = 0;
+    for (int row = 0; row < manager.Count(); ++row) {
+        const StatusHistory& history = manager.At(row)->Monitor().History();
+        if (history.Times().empty())
+            continue;
+        const double perPoint = double(history.MemoryBytes()) / double(history.Times().size());
+        worstHourBytes = std::max(worstHourBytes, perPoint * 3600.0 * 1000.0 / manager.TimerInterval());
+    }
+    std::printf("trend memory per instrument-hour: %.0f KB (goal 2048 KB)\n", worstHourBytes / 1024.0);
     return 0;
 }

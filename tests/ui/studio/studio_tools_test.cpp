@@ -11,8 +11,10 @@
 #include "runreviewpage.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
+#include "servicewindow.h"
 #include "simulator.h"
 #include "statuspanel.h"
+#include "statuswindow.h"
 #include "tempdir.h"
 #include "toollist.h"
 #include "vexadatafile.h"
@@ -20,6 +22,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
 #include <QTableView>
 #include <QTest>
 #include <QTreeWidget>
@@ -35,20 +38,6 @@ QStringList Messages(const ScriptedPrompt& prompt) {
     return texts;
 }
 } // namespace
-
-TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
-    StudioWindow& window = StartStudio(BuiltPluginDir());
-    for (const char* name : {"Service Module"}) {
-        SCOPED_TRACE(name);
-        ScriptedPrompt prompt;
-        window.RunTool(ToolRow(window, name));
-        const QStringList messages = Messages(prompt);
-        ASSERT_EQ(messages.size(), 1);
-        EXPECT_TRUE(messages[0].startsWith(QString(name) + " (")) << messages[0].toStdString();
-        EXPECT_TRUE(messages[0].contains("VEXA Studio does not provide it"));
-        EXPECT_TRUE(LogText().contains(messages[0]));
-    }
-}
 
 TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
     SimulatorProcess simulator(CopyDemoTree(m_temp.file("demo")));
@@ -109,16 +98,31 @@ TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
     EXPECT_TRUE(LogText().contains("no method chosen")) << LogText().toStdString();
 }
 
-TEST_F(StudioTest, StatusToolShowsTheStatusPanel) {
-    StudioWindow& window = StartStudio(BuiltPluginDir(), {QString::fromStdString(FreshLoopbackAddress())});
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    window.InstrumentTable()->setFocus();
+TEST_F(StudioTest, StatusAndServiceModuleOpenOneWindowPerInstrument) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    for (const char* tool : {"Status", "Service Module"}) {
+        ScriptedPrompt prompt;
+        window.RunTool(ToolRow(window, tool));
+        ASSERT_EQ(Messages(prompt).size(), 1) << tool;
+        EXPECT_TRUE(Messages(prompt)[0].contains("select one in the list first"));
+    }
+    window.SelectRow(
+        window.Sensors().Add({"Bench", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true));
     ScriptedPrompt prompt;
-    window.RunTool(ToolRow(window, "Status"));
+    for (int twice = 0; twice < 2; ++twice) {
+        window.RunTool(ToolRow(window, "Status"));
+        window.RunTool(ToolRow(window, "Service Module"));
+    }
     EXPECT_TRUE(Messages(prompt).isEmpty());
-    EXPECT_TRUE(window.Status()->isAncestorOf(QApplication::focusWidget()));
-    EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
+    const auto status = window.findChildren<StatusWindow*>();
+    ASSERT_EQ(status.size(), 1);
+    EXPECT_EQ(window.findChildren<ServiceWindow*>().size(), 1);
+    EXPECT_TRUE(status[0]->Panel()->PlaceholderText().contains("off line"));
+    EXPECT_EQ(status[0]->ReadyLabel()->text(), "Ready: unknown");
+    // Removing the instrument closes its windows.
+    window.Sensors().Remove(0);
+    EXPECT_TRUE(WaitFor([&] { return window.findChildren<StatusWindow*>().isEmpty(); }, 2000));
+    EXPECT_TRUE(window.findChildren<ServiceWindow*>().isEmpty());
 }
 
 TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndOpensTheDialog) {
