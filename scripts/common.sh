@@ -9,6 +9,7 @@ VEXA_PACKAGES=(
     python3 python3-pyftpdlib
     xvfb xauth binutils-mingw-w64-x86-64 binutils-mingw-w64-i686 poppler-utils
     clang-14 libclang-rt-14-dev
+    scdoc file lintian desktop-file-utils appstream
 )
 
 vexa_install_missing() {

@@ -3,6 +3,7 @@
 #include "registry.h"
 #include "studiooptions.h"
 #include "studiowindow.h"
+#include "vexaversion.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -13,7 +14,7 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("VEXA Studio"));
     QApplication::setOrganizationName(QStringLiteral("VexaSuite"));
-    QApplication::setApplicationVersion(QStringLiteral(VEXA_STUDIO_VERSION));
+    QApplication::setApplicationVersion(QString::fromLatin1(kVexaVersion));
 
     StudioOptions options;
     QString problem;
@@ -22,7 +23,7 @@ int main(int argc, char* argv[]) {
         std::fputs(qUtf8Printable(options.Usage()), stdout);
         return 0;
     case StudioOptions::Outcome::Version:
-        std::printf("vexa-studio %s\n", VEXA_STUDIO_VERSION);
+        std::puts(VexaVersionLine("vexa-studio").c_str());
         return 0;
     case StudioOptions::Outcome::Error:
         std::fprintf(stderr, "vexa-studio: %s\n\n%s", qUtf8Printable(problem),
@@ -36,7 +37,8 @@ int main(int argc, char* argv[]) {
     InstallQtPumpDispatcher();
 
     StudioWindow::Startup startup;
-    startup.pluginDir = options.pluginDir.isEmpty() ? DefaultPluginDir() : options.pluginDir;
+    startup.pluginDir = options.pluginDir.isEmpty() ? DefaultPluginDir(QApplication::applicationDirPath())
+                                                     : options.pluginDir;
     startup.instruments = options.instruments;
     StudioWindow window(startup, CPXRegistry::Instance());
     window.show();

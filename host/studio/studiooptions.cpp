@@ -1,7 +1,6 @@
 #include "studiooptions.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QDir>
 
 StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QString* problem) {
@@ -11,7 +10,8 @@ StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QStrin
     const QCommandLineOption versionOption = parser.addVersionOption();
     const QCommandLineOption pluginOption(QStringLiteral("plugins"),
                                           QStringLiteral("Folder with the sensor modules (*.sdll); default: "
-                                                         "the plugins folder beside the program."),
+                                                         "plugins beside the program, else "
+                                                         VEXA_PLUGIN_DIR_FROM_PROGRAM " from it."),
                                           QStringLiteral("DIR"));
     const QCommandLineOption instrumentOption(
         QStringLiteral("instrument"),
@@ -47,6 +47,9 @@ StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QStrin
     return Outcome::Run;
 }
 
-QString DefaultPluginDir() {
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("plugins"));
+QString DefaultPluginDir(const QString& programDir) {
+    const QDir dir(programDir);
+    if (dir.exists(QStringLiteral("plugins")))
+        return dir.filePath(QStringLiteral("plugins"));
+    return QDir::cleanPath(dir.filePath(QStringLiteral(VEXA_PLUGIN_DIR_FROM_PROGRAM)));
 }

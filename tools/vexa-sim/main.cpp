@@ -7,6 +7,7 @@
 
 #include "backupservice.h"
 #include "commandlanguage.h"
+#include "demoinstrument.h"
 #include "deviceprofile.h"
 #include "fileservice.h"
 #include "instrumentstate.h"
@@ -15,6 +16,7 @@
 #include "simserver.h"
 #include "tracelog.h"
 #include "tunerunner.h"
+#include "vexaversion.h"
 
 namespace {
 
@@ -49,6 +51,9 @@ int main(int argc, char** argv) {
     case SimOptions::Outcome::Help:
         std::fputs(SimOptions::Usage().c_str(), stdout);
         return 0;
+    case SimOptions::Outcome::Version:
+        std::puts(VexaVersionLine("vexa-sim").c_str());
+        return 0;
     case SimOptions::Outcome::Error:
         std::fprintf(stderr, "vexa-sim: %s\n%s", problem.c_str(), SimOptions::Usage().c_str());
         return 2;
@@ -56,6 +61,14 @@ int main(int argc, char** argv) {
         break;
     }
 
+    if (options.demo) {
+        if (options.root.empty())
+            options.root = demo_instrument::DefaultRoot().string();
+        if (!demo_instrument::Prepare(options.root, &problem)) {
+            std::fprintf(stderr, "vexa-sim: %s\n", problem.c_str());
+            return 1;
+        }
+    }
     std::error_code error;
     if (!std::filesystem::is_directory(options.root, error)) {
         std::fprintf(stderr, "vexa-sim: %s is not a folder\n", options.root.c_str());

@@ -7,13 +7,15 @@
 
 class SimOptions {
 public:
-    enum class Outcome { Run, Help, Error };
+    enum class Outcome { Run, Help, Version, Error };
 
     // Reads argv; on Error `problem` says what is wrong.
     Outcome Parse(int argc, char** argv, std::string* problem);
     static std::string Usage();
 
     std::string root;
+    // Serve a copy of the demo tree (in `root`, or the default demo folder without --root).
+    bool demo = false;
     std::string address = "127.0.0.1";
     std::uint16_t port = 4840;
     std::string profile;

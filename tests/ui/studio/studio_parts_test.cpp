@@ -43,6 +43,15 @@ TEST(StudioOptionsTest, ReadsPluginsAndRepeatedInstruments) {
     }
 }
 
+TEST(StudioOptionsTest, DefaultPluginDirPrefersTheBuildFoldersPlugins) {
+    TempDir temp;
+    const QString bin = QString::fromStdString(temp.createDir("bin"));
+    const QString root = QString::fromStdString(temp.path());
+    EXPECT_EQ(DefaultPluginDir(bin), root + "/lib/vexa-studio/plugins");
+    temp.createDir("bin/plugins");
+    EXPECT_EQ(DefaultPluginDir(bin), bin + "/plugins");
+}
+
 TEST(ToolKeySequenceTest, MapsVirtualKeysAndModifiers) {
     struct Case {
         int key, modifier;
