@@ -72,13 +72,13 @@ else()
     # and a gzipped changelog.
     execute_process(COMMAND date -u -R -d "${VEXA_RELEASE_DATE} 12:00"
         OUTPUT_VARIABLE VEXA_RELEASE_DATE_RFC2822 OUTPUT_STRIP_TRAILING_WHITESPACE)
-    configure_file(${packaging}/debian/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog.Debian @ONLY)
-    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/changelog.Debian.gz
-        COMMAND sh -c "\"$0\" -9nc \"$1\" >\"$1.gz\"" ${VEXA_GZIP} ${PROJECT_BINARY_DIR}/packaging/changelog.Debian
-        DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog.Debian
+    configure_file(${packaging}/debian/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
+    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/changelog.gz
+        COMMAND sh -c "\"$0\" -9nc \"$1\" >\"$1.gz\"" ${VEXA_GZIP} ${PROJECT_BINARY_DIR}/packaging/changelog
+        DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog
         VERBATIM)
-    add_custom_target(vexa_debian_changelog ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog.Debian.gz)
-    install(FILES ${packaging}/debian/copyright ${PROJECT_BINARY_DIR}/packaging/changelog.Debian.gz
+    add_custom_target(vexa_debian_changelog ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/changelog.gz)
+    install(FILES ${packaging}/debian/copyright ${PROJECT_BINARY_DIR}/packaging/changelog.gz
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vexasens)
 
     set(CPACK_GENERATOR DEB)

@@ -15,7 +15,7 @@ check=0
 comment_for() {
     case $1 in
     *.cpp | *.h | *.c | *.rc | *.h.in) echo "// $tag" ;;
-    CMakeLists.txt | */CMakeLists.txt | *.cmake | *.sh | *.py | *.bash | *.desktop) echo "# $tag" ;;
+    CMakeLists.txt | */CMakeLists.txt | *.cmake | *.sh | *.py | *.desktop | */bash-completion/*) echo "# $tag" ;;
     *.ui | *.qrc | *.xml | *.xml.in) echo "<!-- $tag -->" ;;
     *.scd) echo "; $tag" ;;
     *) ;;
