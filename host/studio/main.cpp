@@ -6,6 +6,7 @@
 #include "vexaversion.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include <cstdio>
@@ -15,6 +16,9 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(QStringLiteral("VEXA Studio"));
     QApplication::setOrganizationName(QStringLiteral("VexaSuite"));
     QApplication::setApplicationVersion(QString::fromLatin1(kVexaVersion));
+    // The desktop entry and icon the package installs; a build-folder run simply has no icon.
+    QApplication::setDesktopFileName(QStringLiteral("org.vexasens.VexaStudio"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.vexasens.VexaStudio")));
 
     StudioOptions options;
     QString problem;
@@ -38,7 +42,7 @@ int main(int argc, char* argv[]) {
 
     StudioWindow::Startup startup;
     startup.pluginDir = options.pluginDir.isEmpty() ? DefaultPluginDir(QApplication::applicationDirPath())
-                                                     : options.pluginDir;
+                                                    : options.pluginDir;
     startup.instruments = options.instruments;
     StudioWindow window(startup, CPXRegistry::Instance());
     window.show();

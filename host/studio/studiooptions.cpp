@@ -8,11 +8,11 @@ StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QStrin
     parser.setApplicationDescription(QStringLiteral("VEXA Studio: operate VEXARON instruments from the PC."));
     const QCommandLineOption helpOption = parser.addHelpOption();
     const QCommandLineOption versionOption = parser.addVersionOption();
-    const QCommandLineOption pluginOption(QStringLiteral("plugins"),
-                                          QStringLiteral("Folder with the sensor modules (*.sdll); default: "
-                                                         "plugins beside the program, else "
-                                                         VEXA_PLUGIN_DIR_FROM_PROGRAM " from it."),
-                                          QStringLiteral("DIR"));
+    const QCommandLineOption pluginOption(
+        QStringLiteral("plugins"),
+        QStringLiteral("Folder with the sensor modules (*.sdll); default: "
+                       "plugins beside the program, else " VEXA_PLUGIN_DIR_FROM_PROGRAM " from it."),
+        QStringLiteral("DIR"));
     const QCommandLineOption instrumentOption(
         QStringLiteral("instrument"),
         QStringLiteral("Adds an instrument for this run only and takes it on line (repeatable)."),
