@@ -158,6 +158,14 @@ std::wstring VexaDevice::getActiveProcess(bool* available) const {
     return ok ? FromUtf8(TrimBlanks(text)) : std::wstring();
 }
 
+int VexaDevice::getProcessElapsed(bool* available) const {
+    return IntValue("processElapsed", 0, available);
+}
+
+int VexaDevice::getProcessTotal(bool* available) const {
+    return IntValue("processTotal", 0, available);
+}
+
 int VexaDevice::getBackupProgress(bool* available) const {
     return IntValue("backupProgress", 0, available);
 }
@@ -168,6 +176,10 @@ bool VexaDevice::isReady(bool* available) const {
 
 std::wstring VexaDevice::RunMethodCommand(const std::wstring& commandLine) {
     return L"method run " + commandLine;
+}
+
+std::wstring VexaDevice::StopMethodCommand() {
+    return L"method stop";
 }
 
 std::wstring VexaDevice::BackupCommand(const std::wstring& items) {
@@ -184,6 +196,10 @@ std::wstring VexaDevice::TuneCommand() {
 
 bool VexaDevice::runMethod(const std::wstring& commandLine) {
     return SendCommand(RunMethodCommand(commandLine));
+}
+
+bool VexaDevice::stopMethod() {
+    return SendCommand(StopMethodCommand());
 }
 
 bool VexaDevice::runBackup(const std::wstring& items) {

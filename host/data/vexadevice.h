@@ -48,6 +48,10 @@ public:
     std::wstring getMethodMRU(int index) const;
     // The running method or replay (key process); empty when the instrument is idle.
     std::wstring getActiveProcess(bool* available = nullptr) const;
+    // Whole seconds the running method or replay has run, and will run in all (keys processElapsed and
+    // processTotal; absent, so not available, while the instrument is idle); default 0.
+    int getProcessElapsed(bool* available = nullptr) const;
+    int getProcessTotal(bool* available = nullptr) const;
     // Progress of the running backup in percent (key backupProgress); default 0.
     int getBackupProgress(bool* available = nullptr) const;
     // Whether the instrument is ready for a run (key ready); default false.
@@ -57,6 +61,9 @@ public:
     // Each returns false when there is no sensor or channel (error 10057) or the instrument refuses the
     // command (its status); getLastError()/getLastErrorText() then tell why.
     bool runMethod(const std::wstring& commandLine);
+    // Ends the running method or replay early (an acquisition still writes the scans so far); refused
+    // when nothing runs.
+    bool stopMethod();
     // Starts a backup of the given items (joined by one space); empty means every file.
     bool runBackup(const std::wstring& items);
     bool setManualTuneFile(int number, const std::wstring& path);
@@ -68,6 +75,7 @@ public:
 
     // The command texts, as they go to the instrument.
     static std::wstring RunMethodCommand(const std::wstring& commandLine);
+    static std::wstring StopMethodCommand();
     static std::wstring BackupCommand(const std::wstring& items);
     static std::wstring ManualTuneCommand(int number, const std::wstring& path);
     static std::wstring TuneCommand();

@@ -6,11 +6,11 @@
 #include "stdiofile.h"
 #include "text.h"
 #include "vexadatafile.h"
+#include "wholefile.h"
 #include "winsockerror.h"
 
 namespace {
 
-constexpr int kReadBlock = 16384;
 // Beside the target, so the rename stays on one file system (and on one instrument).
 constexpr wchar_t kTemporaryPrefix[] = L"___temp@@";
 constexpr wchar_t kBackupPrefix[] = L"___old@@";
@@ -58,24 +58,12 @@ void VexaFileRef::Close() {
 }
 
 bool VexaFileRef::ReadAll(const std::wstring& name, std::string* bytes) {
-    StdioFile file;
-    if (!file.Open(name, L"rb"))
-        return Fail(file.GetError(), Describe(L"Cannot open", name, file.GetError(), file.GetErrorText()));
-    char block[kReadBlock];
-    for (;;) {
-        const int count = file.Read(block, kReadBlock);
-        if (count < 0)
-            return Fail(file.GetError(),
-                        Describe(L"Cannot read", name, file.GetError(), file.GetErrorText()));
-        if (count == 0)
-            break;
-        if (static_cast<int64_t>(bytes->size()) + count > kMaxFileSize)
-            return Fail(kErrTooLarge, Describe(L"Too large to read", name, kErrTooLarge, {}));
-        bytes->append(block, static_cast<size_t>(count));
-    }
-    if (!file.Close())
-        return Fail(file.GetError(), Describe(L"Cannot read", name, file.GetError(), file.GetErrorText()));
-    return true;
+    WholeFileError error;
+    if (ReadWholeFile(name, kMaxFileSize, bytes, &error))
+        return true;
+    if (error.number == kErrTooLarge)
+        return Fail(kErrTooLarge, Describe(L"Too large to read", name, kErrTooLarge, {}));
+    return Fail(error.number, Describe(L"Cannot read", name, error.number, error.text));
 }
 
 bool VexaFileRef::Parse(const std::string& bytes) {

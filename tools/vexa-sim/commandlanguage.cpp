@@ -149,9 +149,14 @@ Result CommandLanguage::Events(const std::vector<std::string>& words) {
 }
 
 Result CommandLanguage::Method(const std::string& commandLine, const std::vector<std::string>& words) {
+    if (words.size() == 2 && words[1] == "stop") {
+        if (!m_state.StopMethod())
+            return Refuse(wire::kStatusInvalid, "no method is running");
+        return Result{0, "ok"};
+    }
     const std::string methodLine = RestAfterWords(commandLine, 2);
     if (words.size() < 3 || words[1] != "run" || methodLine.empty())
-        return Usage("method run <command line>");
+        return Usage("method run <command line> | method stop");
     if (!m_state.StartMethod(methodLine))
         return Refuse(wire::kStatusBusy, "a method is already running");
     return Result{0, "ok"};

@@ -67,6 +67,14 @@ std::string InstrumentState::StatusText() {
     std::snprintf(number, sizeof number, "%.6g", total);
     add("totalPres", number);
     add("process", m_process);
+    if (!m_process.empty()) {
+        const auto whole = [](Clock::duration span) {
+            return std::chrono::duration_cast<std::chrono::seconds>(span).count();
+        };
+        const auto total = whole(m_processLength + std::chrono::milliseconds(500));
+        add("processElapsed", std::to_string(std::min<long long>(whole(now - m_processStart), total)));
+        add("processTotal", std::to_string(total));
+    }
     add("backupProgress", std::to_string(m_backupProgress));
     for (std::size_t i = 0; i < m_profile.methodMRU.size(); ++i)
         add("methodMRU." + std::to_string(i), m_profile.methodMRU[i]);
@@ -117,8 +125,19 @@ bool InstrumentState::StartMethod(const std::string& commandLine) {
     if (!m_process.empty())
         return false;
     m_process = commandLine;
-    m_processEnd = now + std::chrono::duration_cast<Clock::duration>(
-                             std::chrono::duration<double>(m_profile.methodSeconds));
+    m_processStart = now;
+    m_processLength =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(m_profile.methodSeconds));
+    return true;
+}
+
+bool InstrumentState::StopMethod() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    AdvanceLocked(Clock::now());
+    if (m_process.empty())
+        return false;
+    m_process.clear();
+    m_events.push_back(std::to_string(kEventMethodFinished) + " method stopped");
     return true;
 }
 
@@ -147,7 +166,7 @@ void InstrumentState::SetBackupProgress(int percent) {
 // Time moves the state on lazily, whenever someone looks: a finished method clears `process` and
 // leaves its event in the queue.
 void InstrumentState::AdvanceLocked(Clock::time_point now) {
-    if (!m_process.empty() && now >= m_processEnd) {
+    if (!m_process.empty() && now - m_processStart >= m_processLength) {
         m_process.clear();
         m_events.push_back(std::to_string(kEventMethodFinished) + " method finished");
     }

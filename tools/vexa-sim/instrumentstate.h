@@ -33,8 +33,11 @@ public:
     std::vector<std::string> TakeEvents();
     void QueueEvent(std::uint32_t code, const std::string& text);
 
-    // Starts a method (or replay); false when one is already running.
+    // Starts a replay that ends by itself after the profile's method time; false when a method or
+    // replay is already running.
     bool StartMethod(const std::string& commandLine);
+    // Ends a running replay early and queues "method stopped"; false when no replay runs.
+    bool StopMethod();
     std::string RunningProcess();
     void SetManualTune(int number, const std::string& path);
     // The manual tune file with that number; empty when none was set.
@@ -51,7 +54,8 @@ private:
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<std::uint8_t>> m_parameters;
     std::deque<std::string> m_events;
     std::string m_process;
-    Clock::time_point m_processEnd;
+    Clock::time_point m_processStart;
+    Clock::duration m_processLength{};
     int m_backupProgress = 0;
     std::map<int, std::string> m_manualTunes;
 };

@@ -125,7 +125,10 @@ TEST_F(CommandLanguageTest, MethodRunsForItsTimeThenQueuesItsEvent) {
     auto client = Connect();
     const std::string replay = "\"/Data/run1.vxs\" -speed=2";
     EXPECT_EQ(Output(*client, "method run " + replay), "ok");
-    EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), replay);
+    std::map<std::string, std::string> running = StatusValues(Output(*client, "status"));
+    EXPECT_EQ(running.at("process"), replay);
+    EXPECT_EQ(running.at("processElapsed"), "0");
+    EXPECT_EQ(running.at("processTotal"), "0"); // 0.3 s is no whole second
     EXPECT_NE(Run(*client, "method run /Method/Default.mth").status(), 0u);
 
     std::string events;
@@ -135,8 +138,23 @@ TEST_F(CommandLanguageTest, MethodRunsForItsTimeThenQueuesItsEvent) {
         events = Output(*client, "events");
     }
     EXPECT_EQ(events, "1048882 method finished\n");
-    EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), "");
+    const std::map<std::string, std::string> idle = StatusValues(Output(*client, "status"));
+    EXPECT_EQ(idle.at("process"), "");
+    EXPECT_EQ(idle.count("processElapsed") + idle.count("processTotal"), 0u);
     EXPECT_EQ(Output(*client, "events"), "");
+}
+
+TEST_F(CommandLanguageTest, StopEndsAReplayEarly) {
+    StartWithProfile(R"({"methodSeconds": 30})");
+    auto client = Connect();
+    EXPECT_EQ(Output(*client, "method run \"/Data/run1.vxs\""), "ok");
+    const std::map<std::string, std::string> running = StatusValues(Output(*client, "status"));
+    EXPECT_EQ(running.at("processElapsed"), "0");
+    EXPECT_EQ(running.at("processTotal"), "30");
+    EXPECT_EQ(Output(*client, "method stop"), "ok");
+    EXPECT_EQ(StatusValues(Output(*client, "status")).at("process"), "");
+    EXPECT_EQ(Output(*client, "events"), "1048882 method stopped\n");
+    EXPECT_NE(Run(*client, "method stop").status(), 0u);
 }
 
 // The latency switch holds back every answer, a command's and a file request's alike, and nothing else.

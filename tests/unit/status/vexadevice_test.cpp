@@ -112,6 +112,8 @@ TEST(VexaDeviceTest, FlagsCodesAndHeaters) {
                                     {"carrierSupplyPres", "519"},
                                     {"ready", "1"},
                                     {"backupProgress", "42"},
+                                    {"processElapsed", "12"},
+                                    {"processTotal", "x"},
                                     {"process", "  Method/run.mth "}});
     bool available = false;
     EXPECT_EQ(device.getModel(&available), 5);
@@ -135,6 +137,10 @@ TEST(VexaDeviceTest, FlagsCodesAndHeaters) {
     EXPECT_EQ(device.getBackupProgress(), 42);
     EXPECT_EQ(device.getActiveProcess(&available), L"Method/run.mth");
     EXPECT_TRUE(available);
+    EXPECT_EQ(device.getProcessElapsed(&available), 12);
+    EXPECT_TRUE(available);
+    EXPECT_EQ(device.getProcessTotal(&available), 0);
+    EXPECT_FALSE(available);
 }
 
 TEST(VexaDeviceTest, MethodListStopsAtTheFirstGap) {
@@ -169,9 +175,10 @@ TEST(VexaDeviceTest, CommandsGoThroughChannelZero) {
     EXPECT_TRUE(device.runBackup(L"@h:/Method/a.mth @h:/Tune"));
     EXPECT_TRUE(device.setManualTuneFile(3, L"/Tune/manual.tun"));
     EXPECT_TRUE(device.runTune());
-    const std::vector<std::wstring> expected = {L"method run \"/Data/run1.vxs\" -speed=2", L"backup",
-                                                L"backup @h:/Method/a.mth @h:/Tune",
-                                                L"tune manual 3 /Tune/manual.tun", L"tune run"};
+    EXPECT_TRUE(device.stopMethod());
+    const std::vector<std::wstring> expected = {
+        L"method run \"/Data/run1.vxs\" -speed=2", L"backup",   L"backup @h:/Method/a.mth @h:/Tune",
+        L"tune manual 3 /Tune/manual.tun",         L"tune run", L"method stop"};
     EXPECT_EQ(fake->commands, expected);
     EXPECT_EQ(device.getLastError(), 0);
 }
