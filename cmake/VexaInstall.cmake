@@ -98,11 +98,11 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "VexaSens team <team@vexasens.example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "instrument software for VEXARON field-portable GC/MS")
 set(CPACK_PACKAGE_DESCRIPTION
-    "Work with VEXARON field-portable gas chromatograph / mass spectrometers from a PC.\n"
-    "This package holds the VEXA Studio, a desktop application that operates the\n"
-    "instruments through their sensor module, the command-line tool vexa for their\n"
-    "files, status, methods and data, and vexa-sim, a simulated instrument to try\n"
-    "both without hardware.")
+    "Work with VEXARON field-portable gas chromatograph / mass spectrometers\n"
+    "from a PC. This package holds the VEXA Studio, a desktop application that\n"
+    "operates the instruments through their sensor module, the command-line tool\n"
+    "vexa for their files, status, methods and data, and vexa-sim, a simulated\n"
+    "instrument to try both without hardware.")
 string(REPLACE ";" "" CPACK_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR}/packages)

@@ -19,7 +19,7 @@ fail() {
     exit 1
 }
 
-(cd "$build" && cpack -G DEB -B "$work/out" >"$work/cpack.log" 2>&1) || { cat "$work/cpack.log"; fail "cpack"; }
+(cd "$build" && cpack -G DEB -B "$work/out" -D CPACK_OUTPUT_FILE_PREFIX="$work/out" >"$work/cpack.log" 2>&1) || { cat "$work/cpack.log"; fail "cpack"; }
 deb=$work/out/vexasens_${version}_amd64.deb
 [ -f "$deb" ] || fail "no $(basename "$deb"); cpack made: $(ls "$work/out")"
 depends=$(dpkg-deb -f "$deb" Depends)
@@ -70,7 +70,7 @@ desktop-file-validate "$usr/share/applications/org.vexasens.VexaStudio.desktop" 
 appstreamcli validate --no-net "$usr/share/metainfo/org.vexasens.VexaStudio.metainfo.xml" >"$work/as.log" 2>&1 ||
     { cat "$work/as.log"; fail "AppStream data"; }
 if command -v lintian >/dev/null; then
-    lintian --no-tag-display-limit "$deb" >"$work/lintian.log" 2>&1 || true
+    lintian --tag-display-limit 0 "$deb" >"$work/lintian.log" 2>&1 || true
     cat "$work/lintian.log"
     ! grep -q '^E: ' "$work/lintian.log" || fail "lintian found errors"
 fi
