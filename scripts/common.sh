@@ -6,7 +6,8 @@ VEXA_PACKAGES=(
     qt6-base-dev libgl-dev
     zlib1g-dev libcurl4-openssl-dev libarchive-dev nlohmann-json3-dev libcli11-dev
     libgtest-dev libgmock-dev
-    python3 python3-pyftpdlib
+    libnetcdf-dev
+    python3 python3-pyftpdlib python3-scipy
     xvfb xauth binutils-mingw-w64-x86-64 binutils-mingw-w64-i686 poppler-utils
     clang-14 libclang-rt-14-dev
     scdoc file lintian desktop-file-utils appstream

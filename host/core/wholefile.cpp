@@ -1,5 +1,6 @@
 #include "wholefile.h"
 
+#include "remotename.h"
 #include "stdiofile.h"
 #include "winsockerror.h"
 
@@ -17,6 +18,10 @@ bool ReadWholeFile(const std::wstring& name, int64_t maxSize, std::string* bytes
     };
     if (!file.Open(name, L"rb"))
         return fail(file.GetError(), file.GetErrorText());
+    // Room for the whole file at once where its length is known, so it is not copied while it grows.
+    const int length = IsRemoteFilename(name) ? -1 : file.GetLength();
+    if (length > 0 && length <= maxSize)
+        bytes->reserve(static_cast<size_t>(length));
     std::string block(kReadBlock, '\0');
     for (;;) {
         const int count = file.Read(block.data(), kReadBlock);

@@ -52,27 +52,49 @@ json TuneSectionToJson(const VexaTuneSection& section) {
     return value;
 }
 
-bool TuneSectionFromJson(const json& value, VexaTuneSection* section) {
-    if (!value.is_object())
-        return false;
+bool TuneSectionFromJson(const json& value, VexaTuneSection* section, std::vector<std::wstring>* unreadable) {
+    if (!value.is_object()) {
+        if (!unreadable)
+            return false;
+        unreadable->push_back(L"tune");
+        *section = VexaTuneSection();
+        return true;
+    }
+    // Strict: the first malformed part refuses the section. Lenient: it is named and left out.
+    const auto bad = [unreadable](const std::wstring& name) {
+        if (unreadable)
+            unreadable->push_back(L"tune." + name);
+        return unreadable != nullptr;
+    };
     VexaTuneSection read;
     if (const auto calibrant = value.find("calibrant"); calibrant != value.end()) {
-        if (!calibrant->is_string())
+        if (calibrant->is_string())
+            read.calibrant = FromUtf8(calibrant->get<std::string>());
+        else if (!bad(L"calibrant"))
             return false;
-        read.calibrant = FromUtf8(calibrant->get<std::string>());
     }
-    if (!ReadNumber(value, "electronEnergy", &read.electronEnergy) ||
-        !ReadNumber(value, "emission", &read.emission) || !ReadNumber(value, "repeller", &read.repeller))
-        return false;
+    const std::pair<const char*, double*> numbers[] = {
+        {"electronEnergy", &read.electronEnergy}, {"emission", &read.emission}, {"repeller", &read.repeller}};
+    for (const auto& [key, target] : numbers) {
+        double number = *target;
+        if (ReadNumber(value, key, &number))
+            *target = number;
+        else if (!bad(FromUtf8(key)))
+            return false;
+    }
     const json masses = value.value("masses", json::array());
-    if (!masses.is_array())
+    if (!masses.is_array() && !bad(L"masses"))
         return false;
-    for (const json& item : masses) {
+    for (size_t i = 0; masses.is_array() && i < masses.size(); ++i) {
+        const json& item = masses[i];
         VexaTuneMass mass;
         double number = 0;
         if (!item.is_object() || !item.contains("mass") || !ReadNumber(item, "mass", &number) ||
-            !ReadNumber(item, "abundance", &mass.abundance) || !ReadNumber(item, "width", &mass.width))
-            return false;
+            !ReadNumber(item, "abundance", &mass.abundance) || !ReadNumber(item, "width", &mass.width)) {
+            if (!bad(L"masses[" + std::to_wstring(i + 1) + L"]"))
+                return false;
+            continue;
+        }
         mass.mass = int(number);
         read.masses.push_back(mass);
     }

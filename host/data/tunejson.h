@@ -5,8 +5,14 @@
 
 #include <nlohmann/json.hpp>
 
+#include <string>
+#include <vector>
+
 nlohmann::json TuneSectionToJson(const VexaTuneSection& section);
-bool TuneSectionFromJson(const nlohmann::json& value, VexaTuneSection* section);
+// Without `unreadable` any malformed part refuses the section; with it, each malformed part (a
+// setting, a mass, or the whole section) is left out at its default and named ("tune.emission").
+bool TuneSectionFromJson(const nlohmann::json& value, VexaTuneSection* section,
+                         std::vector<std::wstring>* unreadable = nullptr);
 
 // The object's keys other than `known`, as an object.
 nlohmann::json OtherKeys(const nlohmann::json& value, std::initializer_list<const char*> known);

@@ -6,6 +6,7 @@
 #include "wholefile.h"
 #include "winsockerror.h"
 
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -19,6 +20,10 @@ constexpr char kParameterMagic[] = "PARM";
 
 uint32_t ReadLe32(std::string_view bytes, size_t at) {
     uint32_t value = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(&value, bytes.data() + at, sizeof value);
+        return value;
+    }
     for (int i = 3; i >= 0; --i)
         value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
     return value;

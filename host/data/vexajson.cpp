@@ -74,13 +74,4 @@ const nlohmann::json& ArrayAt(const nlohmann::json& object, const char* key) {
     return found != object.end() && found->is_array() ? *found : empty;
 }
 
-void RequireInt(const nlohmann::json& object, const char* key, const std::wstring& where,
-                std::wstring* missing) {
-    if (HasInt(object, key))
-        return;
-    if (!missing->empty())
-        *missing += L", ";
-    *missing += where + FromUtf8(key);
-}
-
 } // namespace VexaJson

@@ -24,8 +24,5 @@ std::wstring StringOr(const nlohmann::json& object, const char* key, const std::
 // object[key] when it is an object/array, else an empty one of that kind.
 const nlohmann::json& ObjectAt(const nlohmann::json& object, const char* key);
 const nlohmann::json& ArrayAt(const nlohmann::json& object, const char* key);
-// Requires object[key] to be an integer; appends "key" to *missing otherwise.
-void RequireInt(const nlohmann::json& object, const char* key, const std::wstring& where,
-                std::wstring* missing);
 
 } // namespace VexaJson

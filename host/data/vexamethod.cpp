@@ -5,6 +5,8 @@
 #include "vexajson.h"
 #include "vexamodels.h"
 
+#include <algorithm>
+
 using nlohmann::json;
 
 namespace {
@@ -92,30 +94,37 @@ bool VexaMethod::IsValid() const {
 
 std::wstring VexaMethod::GetInvalidReason() const {
     std::wstring reason;
-    if (!VexaJson::CheckHeader(m_document, kFormat, &reason))
-        return reason;
+    VexaJson::CheckHeader(m_document, kFormat, &reason);
+    return reason;
+}
+
+std::vector<std::wstring> VexaMethod::GetUnsetSettings() const {
+    std::vector<std::wstring> unset;
+    if (!IsValid())
+        return unset;
     if (!m_document.contains("description") || !m_document["description"].is_string())
-        return L"The method has no description text.";
-    std::wstring missing;
+        unset.push_back(L"description");
     for (const IntField& field : kIntFields) {
         const json& object = *field.object ? VexaJson::ObjectAt(m_document, field.object) : m_document;
-        VexaJson::RequireInt(object, field.key, *field.object ? FromUtf8(field.object) + L"." : L"",
-                             &missing);
+        if (!VexaJson::HasInt(object, field.key))
+            unset.push_back((*field.object ? FromUtf8(field.object) + L"." : L"") + FromUtf8(field.key));
     }
-    if (!missing.empty())
-        return L"The method lacks whole numbers for: " + missing + L".";
+    const json& ms = VexaJson::ObjectAt(m_document, "ms");
+    if (ms.contains("simIons") &&
+        (!ms["simIons"].is_array() || !std::all_of(ms["simIons"].begin(), ms["simIons"].end(),
+                                                   [](const json& ion) { return ion.is_number_integer(); })))
+        unset.push_back(L"ms.simIons");
     const json& events = m_document.contains("events") ? m_document["events"] : json();
-    if (!events.is_array())
-        return L"The method has no event table.";
-    for (const json& event : events) {
-        if (!VexaJson::HasInt(event, "time") || !VexaJson::HasInt(event, "valveState"))
-            return L"An event lacks a whole-number time or valve state.";
-    }
-    for (const json& ion : VexaJson::ArrayAt(VexaJson::ObjectAt(m_document, "ms"), "simIons")) {
-        if (!ion.is_number_integer())
-            return L"A SIM ion is not a whole number.";
-    }
-    return {};
+    if (!events.is_array() || !std::all_of(events.begin(), events.end(), [](const json& event) {
+            return VexaJson::HasInt(event, "time") && VexaJson::HasInt(event, "valveState");
+        }))
+        unset.push_back(L"events");
+    return unset;
+}
+
+bool VexaMethod::IsSet(const std::wstring& setting) const {
+    const std::vector<std::wstring> unset = GetUnsetSettings();
+    return std::find(unset.begin(), unset.end(), setting) == unset.end();
 }
 
 bool VexaMethod::operator==(const VexaMethod& other) const {
@@ -259,6 +268,13 @@ std::vector<std::wstring> VexaMethod::CheckSettings() const {
     std::vector<std::wstring> problems;
     if (!IsValid()) {
         problems.push_back(GetInvalidReason());
+        return problems;
+    }
+    if (const std::vector<std::wstring> unset = GetUnsetSettings(); !unset.empty()) {
+        std::wstring names;
+        for (const std::wstring& name : unset)
+            names += (names.empty() ? L"" : L", ") + name;
+        problems.push_back(L"Not set: " + names + L".");
         return problems;
     }
     if (!Vexa::IsKnownModel(getModel()))

@@ -3,8 +3,9 @@
 // document of its file, so keys this library does not know survive an edit and a save; the getters
 // read the document and the setters write it.
 //
-// A method read from a file of another format, a newer version or the wrong shape is not valid
-// (IsValid false, GetInvalidReason says why); its getters then return zero values.
+// Reading is lenient: only a file of another format or a newer version is not valid (IsValid false,
+// GetInvalidReason says why). A setting that is missing or malformed reads as "not set"
+// (GetUnsetSettings names it; its getter returns zero); saving refuses it (CheckSettings).
 #include "vexamethodevent.h"
 
 #include <nlohmann/json.hpp>
@@ -51,6 +52,10 @@ public:
 
     bool IsValid() const;
     std::wstring GetInvalidReason() const;
+    // The settings a valid method lacks or holds in a form that cannot be read, by their names in the
+    // file: "description", "model", "gc.rate", "ms.simIons", "events", ...
+    std::vector<std::wstring> GetUnsetSettings() const;
+    bool IsSet(const std::wstring& setting) const;
     // Equal content: same settings and events, whatever the key order or spacing of the files.
     bool operator==(const VexaMethod& other) const;
 
@@ -82,8 +87,8 @@ public:
     // stops the walk. Without an end event the end stays 0, so the result may be negative.
     int64_t GetRunTimeSeconds() const;
 
-    // What an editor must not save: times out of order or range, temperatures or masses that make no
-    // sense. Empty when the settings are sane. Each entry is a message for the user.
+    // What an editor must not save: settings not set, times out of order or range, temperatures or
+    // masses that make no sense. Empty when the settings are sane. Each entry is a message for the user.
     std::vector<std::wstring> CheckSettings() const;
 
     // Puts the method into the file's document and saves the file under `name` (its own name when

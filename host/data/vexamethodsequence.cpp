@@ -22,16 +22,27 @@ bool VexaMethodSequence::IsValid() const {
 
 std::wstring VexaMethodSequence::GetInvalidReason() const {
     std::wstring reason;
-    if (!VexaJson::CheckHeader(m_document, kFormat, &reason))
-        return reason;
-    if (!m_document.contains("steps") || !m_document["steps"].is_array())
-        return L"The sequence has no list of steps.";
-    for (const json& step : m_document["steps"]) {
-        if (!step.is_object() || !step.contains("method") || !step["method"].is_string() ||
-            !VexaJson::HasInt(step, "repeat"))
-            return L"A step lacks its method name or a whole-number repeat count.";
+    VexaJson::CheckHeader(m_document, kFormat, &reason);
+    return reason;
+}
+
+std::vector<std::wstring> VexaMethodSequence::GetUnsetSettings() const {
+    std::vector<std::wstring> unset;
+    if (!IsValid())
+        return unset;
+    if (!m_document.contains("steps") || !m_document["steps"].is_array()) {
+        unset.push_back(L"steps");
+        return unset;
     }
-    return {};
+    const json& steps = m_document["steps"];
+    for (size_t i = 0; i < steps.size(); ++i) {
+        const std::wstring row = L"steps[" + std::to_wstring(i + 1) + L"].";
+        if (!steps[i].is_object() || !steps[i].contains("method") || !steps[i]["method"].is_string())
+            unset.push_back(row + L"method");
+        if (!VexaJson::HasInt(steps[i], "repeat"))
+            unset.push_back(row + L"repeat");
+    }
+    return unset;
 }
 
 int VexaMethodSequence::GetNumSteps() const {
@@ -74,6 +85,10 @@ std::vector<std::wstring> VexaMethodSequence::CheckSettings() const {
         problems.push_back(GetInvalidReason());
         return problems;
     }
+    for (const std::wstring& name : GetUnsetSettings())
+        problems.push_back(L"Not set: " + name + L".");
+    if (!problems.empty())
+        return problems;
     if (GetNumSteps() == 0)
         problems.push_back(L"The sequence has no steps.");
     const std::vector<VexaSequenceStep> steps = GetSteps();

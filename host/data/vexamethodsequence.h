@@ -21,8 +21,11 @@ public:
     VexaMethodSequence(); // empty
     explicit VexaMethodSequence(const VexaFileRef& file);
 
+    // Only another format or a newer version is not valid; a missing or malformed part reads as not
+    // set, named by GetUnsetSettings ("steps", "steps[2].repeat"), and saving refuses it.
     bool IsValid() const;
     std::wstring GetInvalidReason() const;
+    std::vector<std::wstring> GetUnsetSettings() const;
     bool operator==(const VexaMethodSequence& other) const { return m_document == other.m_document; }
 
     int GetNumSteps() const;
@@ -30,7 +33,8 @@ public:
     std::vector<VexaSequenceStep> GetSteps() const;
     void SetSteps(const std::vector<VexaSequenceStep>& steps);
 
-    // Messages for what an editor must not save (no steps, an unnamed method, a repeat out of range).
+    // Messages for what an editor must not save (a part not set, no steps, an unnamed method, a repeat
+    // out of range).
     std::vector<std::wstring> CheckSettings() const;
     bool Save(VexaFileRef& file, const std::wstring& name = {}) const;
 

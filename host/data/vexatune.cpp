@@ -19,19 +19,22 @@ bool VexaTune::FromDocument(const json& value) {
     std::wstring reason;
     if (!VexaJson::CheckHeader(value, kFormat, &reason))
         return false;
+    std::vector<std::wstring> unreadable;
     VexaTuneSection section;
-    if (!TuneSectionFromJson(value.value("tune", json::object()), &section))
-        return false;
-    const json parameters = value.value("parameters", json::object());
-    if (!parameters.is_object())
-        return false;
+    TuneSectionFromJson(value.value("tune", json::object()), &section, &unreadable);
+    json parameters = value.value("parameters", json::object());
+    if (!parameters.is_object()) {
+        unreadable.push_back(L"parameters");
+        parameters = json::object();
+    }
     const json sensor = parameters.value("SENSOR", json(""));
     if (!sensor.is_string())
-        return false;
+        unreadable.push_back(L"parameters.SENSOR");
     m_section = std::move(section);
-    m_sensorMethod = FromUtf8(sensor.get<std::string>());
+    m_sensorMethod = sensor.is_string() ? FromUtf8(sensor.get<std::string>()) : std::wstring();
     m_otherKeys = OtherKeys(value, {"format", "version", "tune", "parameters"});
     m_otherParameters = OtherKeys(parameters, {"SENSOR"});
+    m_unreadable = std::move(unreadable);
     return true;
 }
 

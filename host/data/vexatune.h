@@ -5,14 +5,15 @@
 #include "vexatunesection.h"
 
 #include <string>
+#include <vector>
 
 class VexaTune {
 public:
     // An empty tune: default settings, no masses.
     VexaTune() = default;
 
-    // Reads a tune file's text; false (and the tune unchanged) for anything else, including a newer
-    // version.
+    // Reads a tune file's text; false (and the tune unchanged) for another format or a newer version.
+    // A part that is missing keeps its default; one that is malformed too, and GetUnreadable names it.
     bool Parse(const std::string& utf8);
     std::string Serialize() const;
 
@@ -29,6 +30,8 @@ public:
     // The method named by parameters/SENSOR; empty when none.
     const std::wstring& GetSensorMethod() const { return m_sensorMethod; }
     void SetSensorMethod(const std::wstring& method) { m_sensorMethod = method; }
+    // The malformed parts of the file last read ("tune.emission", "parameters.SENSOR").
+    const std::vector<std::wstring>& GetUnreadable() const { return m_unreadable; }
 
 private:
     bool FromDocument(const nlohmann::json& document);
@@ -41,4 +44,5 @@ private:
     std::wstring m_sensorMethod;
     nlohmann::json m_otherKeys = nlohmann::json::object();
     nlohmann::json m_otherParameters = nlohmann::json::object();
+    std::vector<std::wstring> m_unreadable;
 };

@@ -104,6 +104,8 @@ void VexaTuneReport::Close() {
     m_file.Close();
     m_sections.Clear();
     m_otherKeys = json::object();
+    m_unreadReports = json::array();
+    m_unreadable.clear();
     m_lastError = 0;
     m_lastErrorText.clear();
 }
@@ -116,18 +118,30 @@ bool VexaTuneReport::FromDocument(const json& value) {
     std::wstring reason;
     if (!VexaJson::CheckHeader(value, kFormat, &reason))
         return false;
-    const json reports = value.value("reports", json::array());
-    if (!reports.is_array())
-        return false;
+    std::vector<std::wstring> unreadable;
+    json unread = json::array();
+    json reports = value.value("reports", json::array());
+    if (!reports.is_array()) {
+        unreadable.push_back(L"reports");
+        reports = json::array();
+    }
     VexaTuneReportSections_ sections;
-    for (const json& item : reports) {
+    for (size_t i = 0; i < reports.size(); ++i) {
         VexaTuneReportSection report;
-        if (!ReportFromJson(item, &report))
-            return false;
-        sections.AddReport(std::move(report));
+        if (ReportFromJson(reports[i], &report)) {
+            sections.AddReport(std::move(report));
+        } else {
+            // Left out of the list, but written back on save: a removal must not lose it.
+            unreadable.push_back(L"reports[" + std::to_wstring(i + 1) + L"]");
+            unread.push_back(reports[i]);
+        }
     }
     m_sections = std::move(sections);
     m_otherKeys = OtherKeys(value, {"format", "version", "reports"});
+    if (!value.value("reports", json::array()).is_array())
+        m_otherKeys["reports"] = value["reports"];
+    m_unreadReports = std::move(unread);
+    m_unreadable = std::move(unreadable);
     return true;
 }
 
@@ -135,9 +149,13 @@ json VexaTuneReport::ToDocument() const {
     json reports = json::array();
     for (int i = 0; i < m_sections.GetNumReports(); ++i)
         reports.push_back(ReportToJson(*m_sections.GetReport(i)));
+    for (const json& item : m_unreadReports)
+        reports.push_back(item);
     json value = VexaJson::NewDocument(kFormat);
-    value["reports"] = reports;
     MergeOtherKeys(value, m_otherKeys);
+    // A "reports" that was no list stays as it was until there is a report to write.
+    if (!reports.empty() || !value.contains("reports"))
+        value["reports"] = reports;
     return value;
 }
 

@@ -6,6 +6,7 @@
 #include "vexatunereportsections.h"
 
 #include <string>
+#include <vector>
 
 class VexaTuneReport {
 public:
@@ -23,8 +24,9 @@ public:
     const std::wstring& GetLastErrorText() const { return m_lastErrorText; }
 
     // ---- the content ----
-    // Reads a report file's text; false (and the reports unchanged) for anything else: another format,
-    // a newer version, or a report without a time stamp.
+    // Reads a report file's text; false (and the reports unchanged) for another format or a newer
+    // version. A report that cannot be read (no time stamp, a malformed part) is left out of the list
+    // and named by GetUnreadable ("reports[3]"); Save writes it back as it was.
     bool Parse(const std::string& utf8);
     std::string Serialize() const;
 
@@ -36,6 +38,9 @@ public:
     // "/d/Tune/Default.tun" -> "/d/Tune/Reports/Default.rpt".
     static std::wstring ReportFileName(const std::wstring& tuneFileName);
 
+    // The parts of the file last read that could not be read.
+    const std::vector<std::wstring>& GetUnreadable() const { return m_unreadable; }
+
 private:
     bool FromDocument(const nlohmann::json& document);
     nlohmann::json ToDocument() const;
@@ -46,4 +51,6 @@ private:
     std::wstring m_lastErrorText;
     VexaTuneReportSections_ m_sections;
     nlohmann::json m_otherKeys = nlohmann::json::object();
+    nlohmann::json m_unreadReports = nlohmann::json::array();
+    std::vector<std::wstring> m_unreadable;
 };

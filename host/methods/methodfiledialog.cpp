@@ -1,6 +1,8 @@
 #include "methodfiledialog.h"
 
 #include "methodresource.h"
+#include "remotename.h"
+#include "systemaccess.h"
 #include "vexafileref.h"
 
 CMethodFileDialog::CMethodFileDialog(int templateId, const std::wstring& fileName,
@@ -21,8 +23,16 @@ bool CMethodFileDialog::SaveAs() {
 }
 
 bool CMethodFileDialog::SaveTo(const std::wstring& name) {
+    // Changing the instrument's methods is a level-1 command.
+    if (IsRemoteFilename(name) && !CSystemAccess::Accessible(1)) {
+        ShowMessage(L"Saving the " + m_noun + L" on the instrument needs access level 1. Save it on the PC.",
+                    {}, PromptIcon::Warning);
+        return false;
+    }
     if (!WriteTo(name))
         return false;
+    if (name != m_fileName)
+        m_title.clear();
     m_fileName = name;
     UpdateTitle();
     return true;
@@ -61,7 +71,16 @@ void CMethodFileDialog::OnCancel() {
     CDialog_::OnCancel();
 }
 
+void CMethodFileDialog::SetTitle(const std::wstring& title) {
+    m_title = title;
+    UpdateTitle();
+}
+
 void CMethodFileDialog::UpdateTitle() {
+    if (!m_title.empty()) {
+        setWindowTitle(QString::fromStdWString(m_title));
+        return;
+    }
     const QString name = m_fileName.empty() ? m_untitled : QString::fromStdWString(m_fileName);
     setWindowTitle(m_caption + QStringLiteral(" - ") + name);
 }

@@ -18,6 +18,9 @@ class CMethodFileDialog : public CDialog_ {
 public:
     void SetSaveNameChooser(VexaSaveNameChooser chooser) { m_chooser = std::move(chooser); }
     const std::wstring& GetFileName() const { return m_fileName; }
+    // A window title of its own (a default method's name) in place of the caption and file name, until
+    // the document is saved under another name.
+    void SetTitle(const std::wstring& title);
     bool Save();
     bool SaveAs();
 
@@ -53,5 +56,6 @@ private:
     std::wstring m_noun;
     QString m_caption;
     QString m_untitled;
+    std::wstring m_title;
     VexaSaveNameChooser m_chooser = ChooseLocalSaveName;
 };

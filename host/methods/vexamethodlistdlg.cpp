@@ -2,6 +2,8 @@
 
 #include "editabletable.h"
 #include "methodresource.h"
+#include "remotename.h"
+#include "text.h"
 #include "vexafileref.h"
 
 #include <QHBoxLayout>
@@ -110,6 +112,19 @@ bool CVexaMethodListDlg::WriteTo(const std::wstring& name) {
     const VexaMethodSequence sequence = SequenceFromControls(&problems);
     const std::vector<std::wstring> checks = sequence.CheckSettings();
     problems.insert(problems.end(), checks.begin(), checks.end());
+    // The instrument runs a sequence by itself: it reaches its own files only.
+    std::wstring host;
+    if (SplitRemoteName(name, &host, nullptr)) {
+        const std::vector<VexaSequenceStep> steps = sequence.GetSteps();
+        for (size_t i = 0; i < steps.size(); ++i) {
+            std::wstring stepHost;
+            if (!SplitRemoteName(steps[i].method, &stepHost, nullptr) || !EqualsNoCase(stepHost, host))
+                problems.push_back(L"Step " + std::to_wstring(i + 1) + L": the instrument cannot reach " +
+                                   steps[i].method +
+                                   L"; choose a method on the instrument itself, or save "
+                                   L"the sequence on the PC.");
+        }
+    }
     if (!SaveChecked(problems, [&](VexaFileRef& file) { return sequence.Save(file, name); }))
         return false;
     m_saved = sequence;

@@ -17,6 +17,7 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <climits>
 #include <cmath>
 
 namespace {
@@ -27,6 +28,9 @@ const char* const kGcLabels[5] = {"Initial temperature (°C):", "Initial hold (s
                                   "Final temperature (°C):", "Final hold (s):"};
 constexpr int kTimeColumn = 0;
 constexpr int kValveColumn = 1;
+// A spin box at its minimum, or a combo box on this value, shows a setting the file did not hold.
+constexpr int kNotSet = INT_MIN;
+constexpr int kSpinLimit = 100000;
 
 template <class W> W* WithId(W* widget, int id) {
     widget->setProperty("ctrlId", id);
@@ -41,10 +45,27 @@ QComboBox* CodedCombo(int id, std::wstring (*name)(int code)) {
     return combo;
 }
 
-QSpinBox* Spin(int id, int maximum) {
+QSpinBox* Spin(int id) {
     auto* spin = WithId(new QSpinBox, id);
-    spin->setRange(-maximum, maximum);
+    spin->setRange(-kSpinLimit - 1, kSpinLimit);
+    spin->setSpecialValueText(QObject::tr("not set"));
     return spin;
+}
+
+bool IsNotSet(const QSpinBox* spin) {
+    return spin->value() == spin->minimum();
+}
+
+// Shows `value`, or "not set" when the method lacks the setting.
+void ShowSpin(QSpinBox* spin, bool set, int value) {
+    spin->setValue(set ? value : spin->minimum());
+}
+
+void ShowCombo(QComboBox* combo, bool set, int value, const QString& text) {
+    if (set)
+        SelectComboValue(combo, value, text);
+    else
+        SelectComboValue(combo, kNotSet, QObject::tr("not set"));
 }
 
 QString ValveStateText(int state) {
@@ -107,11 +128,11 @@ QWidget* CVexaMethodWizard::BuildExpertSettings() {
     auto* layout = new QHBoxLayout(group);
     auto* form = new QFormLayout;
     for (int i = 0; i < 5; ++i) {
-        m_gc[i] = Spin(kGcIds[i], 100000);
+        m_gc[i] = Spin(kGcIds[i]);
         form->addRow(tr(kGcLabels[i]), m_gc[i]);
     }
-    m_massLow = Spin(IDC_VMW_MASS_LOW, 100000);
-    m_massHigh = Spin(IDC_VMW_MASS_HIGH, 100000);
+    m_massLow = Spin(IDC_VMW_MASS_LOW);
+    m_massHigh = Spin(IDC_VMW_MASS_HIGH);
     m_simIons = WithId(new QLineEdit, IDC_VMW_SIM_IONS);
     m_simIons->setPlaceholderText(tr("e.g. 69, 219"));
     form->addRow(tr("Low mass (amu):"), m_massLow);
@@ -163,27 +184,35 @@ void CVexaMethodWizard::AddEventRow(int row) {
 bool CVexaMethodWizard::OnInitDialog() {
     CDialog_::OnInitDialog();
     ShowMethod(m_saved);
+    // What the controls make of the method as shown: a setting the file lacked is no change.
+    std::vector<std::wstring> ignored;
+    m_shown = MethodFromControls(&ignored);
     UpdateTitle();
     return true;
 }
 
 void CVexaMethodWizard::ShowMethod(const VexaMethod& method) {
     m_description->setText(QString::fromStdWString(method.getDescription()));
-    SelectComboValue(m_model, method.getModel(),
-                     QString::fromStdWString(Vexa::GetModelName(method.getModel())));
+    ShowCombo(m_model, method.IsSet(L"model"), method.getModel(),
+              QString::fromStdWString(Vexa::GetModelName(method.getModel())));
     RefillAccessories(method.getModel(), method.getAccessory());
-    SelectComboValue(m_methodMode, method.getMethodMode(),
-                     QString("Unknown (%1)").arg(method.getMethodMode()));
-    SelectComboValue(m_scanMode, method.getScanMode(), QString("Unknown (%1)").arg(method.getScanMode()));
-    SelectComboValue(m_concentrator, method.getConcentrator(),
-                     QString("Unknown (%1)").arg(method.getConcentrator()));
+    if (!method.IsSet(L"accessory"))
+        ShowCombo(m_accessory, false, 0, {});
+    ShowCombo(m_methodMode, method.IsSet(L"methodMode"), method.getMethodMode(),
+              QString("Unknown (%1)").arg(method.getMethodMode()));
+    ShowCombo(m_scanMode, method.IsSet(L"scanMode"), method.getScanMode(),
+              QString("Unknown (%1)").arg(method.getScanMode()));
+    ShowCombo(m_concentrator, method.IsSet(L"concentrator"), method.getConcentrator(),
+              QString("Unknown (%1)").arg(method.getConcentrator()));
     const VexaGcProgram gc = method.getGcProgram();
     const int values[5] = {gc.initialTemp, gc.initialHold, gc.rate, gc.finalTemp, gc.finalHold};
+    const wchar_t* const gcKeys[5] = {L"gc.initialTemp", L"gc.initialHold", L"gc.rate", L"gc.finalTemp",
+                                      L"gc.finalHold"};
     for (int i = 0; i < 5; ++i)
-        m_gc[i]->setValue(values[i]);
+        ShowSpin(m_gc[i], method.IsSet(gcKeys[i]), values[i]);
     const VexaMassRange ms = method.getMassRange();
-    m_massLow->setValue(ms.massLow);
-    m_massHigh->setValue(ms.massHigh);
+    ShowSpin(m_massLow, method.IsSet(L"ms.massLow"), ms.massLow);
+    ShowSpin(m_massHigh, method.IsSet(L"ms.massHigh"), ms.massHigh);
     QStringList ions;
     for (int ion : ms.simIons)
         ions << QString::number(ion);
@@ -219,6 +248,20 @@ VexaMethod CVexaMethodWizard::MethodFromControls(std::vector<std::wstring>* prob
     method.setConcentrator(ComboValue(m_concentrator));
     method.setGcProgram(
         {m_gc[0]->value(), m_gc[1]->value(), m_gc[2]->value(), m_gc[3]->value(), m_gc[4]->value()});
+    // Saving refuses a setting still shown as not set, naming it.
+    for (int i = 0; i < 5; ++i)
+        if (IsNotSet(m_gc[i]))
+            problems->push_back(QString(kGcLabels[i]).chopped(1).toStdWString() + L" is not set.");
+    const std::pair<const QComboBox*, const wchar_t*> combos[] = {{m_model, L"Model"},
+                                                                  {m_accessory, L"Sample input device"},
+                                                                  {m_methodMode, L"Mode"},
+                                                                  {m_scanMode, L"Collection mode"},
+                                                                  {m_concentrator, L"Concentrator"}};
+    for (const auto& [combo, label] : combos)
+        if (ComboValue(combo) == kNotSet)
+            problems->push_back(std::wstring(label) + L" is not set.");
+    if (IsNotSet(m_massLow) || IsNotSet(m_massHigh))
+        problems->push_back(L"The mass range is not set.");
     VexaMassRange range{m_massLow->value(), m_massHigh->value(), {}};
     for (const QString& text : m_simIons->text().split(QRegularExpression("[,;\\s]+"), Qt::SkipEmptyParts)) {
         bool ok = false;
@@ -264,10 +307,11 @@ bool CVexaMethodWizard::WriteTo(const std::wstring& name) {
     if (!SaveChecked(problems, [&](VexaFileRef& file) { return method.Save(file, name); }))
         return false;
     m_saved = method;
+    m_shown = method;
     return true;
 }
 
 bool CVexaMethodWizard::HasChanges() const {
     std::vector<std::wstring> problems;
-    return !(MethodFromControls(&problems) == m_saved);
+    return !(MethodFromControls(&problems) == m_shown);
 }

@@ -47,6 +47,8 @@ private:
     void UpdateRunTime();
 
     VexaMethod m_saved;
+    // The controls' method when they were last filled or saved: what HasChanges compares with.
+    VexaMethod m_shown;
     VexaWizardMode m_mode;
 
     QLineEdit* m_description = nullptr;

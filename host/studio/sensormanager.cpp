@@ -1,6 +1,9 @@
 #include "sensormanager.h"
 
 #include "managedinstrument.h"
+#include "movefolder.h"
+#include "paths.h"
+#include "remotename.h"
 #include "sensorevent.h"
 #include "sensorinfo.h"
 #include "sensorref.h"
@@ -159,6 +162,8 @@ bool SensorManager::Replace(int row, const InstrumentConfig& config) {
     const InstrumentConfig old = instrument->Config();
     if (old == config)
         return true;
+    if (old.name != config.name)
+        MoveSensorFolder(old.name, config.name);
     if (old.address == config.address && old.sensorType == config.sensorType && instrument->Sensor()) {
         // A new name only: the sensor keeps its connection.
         instrument->Rename(config.name);
@@ -176,6 +181,31 @@ bool SensorManager::Replace(int row, const InstrumentConfig& config) {
     if (wasOnline)
         GoOnline(row);
     return true;
+}
+
+QString SensorManager::SensorFolder(const QString& name) {
+    return QString::fromStdWString(JoinPath(PXGetRootDir(), name.toStdWString(), kNativeSeparator));
+}
+
+void SensorManager::MoveSensorFolder(const QString& from, const QString& to) {
+    const QString source = SensorFolder(from);
+    const QString target = SensorFolder(to);
+    if (!IsDirectory(source.toStdWString()))
+        return;
+    std::vector<std::wstring> kept;
+    int error = 0;
+    if (!MoveFolderInto(source.toStdWString(), target.toStdWString(), &kept, &error)) {
+        emit logMessage(tr("Could not move the files of %1 from %2 to %3: error %4.")
+                            .arg(from, source, target, QString::fromStdWString(DescribeError(error))));
+        return;
+    }
+    emit logMessage(tr("Moved the files of %1 from %2 to %3.").arg(from, source, target));
+    if (!kept.empty()) {
+        QStringList names;
+        for (const std::wstring& name : kept)
+            names << QString::fromStdWString(name);
+        emit logMessage(tr("%1 already held %2: those stay in %3.").arg(target, names.join(", "), source));
+    }
 }
 
 bool SensorManager::Remove(int row) {

@@ -46,8 +46,12 @@ public:
 
     // Adds an instrument at the end; returns its row. The entry should have passed Validate.
     int Add(const InstrumentConfig& config, bool transient);
-    // Replaces the configuration of a row; a new address or type makes a new sensor object.
+    // Replaces the configuration of a row; a new address or type makes a new sensor object. A new name
+    // moves the instrument's PC folder with it (into the new name's folder when that exists already,
+    // keeping what is there) and says so in the log.
     bool Replace(int row, const InstrumentConfig& config);
+    // The PC folder of the instrument called `name`: downloads, backups and saved methods.
+    static QString SensorFolder(const QString& name);
     // False while the instrument is connecting.
     bool Remove(int row);
     bool GoOnline(int row);
@@ -74,6 +78,7 @@ signals:
 private:
     void OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text);
     void EmitChanged(const ManagedInstrument* instrument);
+    void MoveSensorFolder(const QString& from, const QString& to);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;

@@ -1,5 +1,6 @@
 #include "studiowindow.h"
 
+#include "datareviewwindow.h"
 #include "hostresource.h"
 #include "instrumenteditordialog.h"
 #include "instrumentlistmodel.h"
@@ -20,6 +21,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -79,6 +81,8 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
 
 StudioWindow::~StudioWindow() {
     m_timer.stop();
+    // Data Review holds a sensor: it goes before the sensors do.
+    delete m_dataReview.data();
 }
 
 namespace {
@@ -442,6 +446,16 @@ void StudioWindow::EditInstrument() {
     dialog.SetConfig(instrument->Config());
     if (dialog.exec() != QDialog::Accepted)
         return;
+    const QString oldName = instrument->Config().name;
+    const QString newName = dialog.Config().name;
+    if (newName != oldName && QFileInfo(SensorManager::SensorFolder(oldName)).isDir() &&
+        QFileInfo::exists(SensorManager::SensorFolder(newName))) {
+        const QString question =
+            tr("The folder %1 already exists. Move the files of %2 into it? What it already holds is kept.")
+                .arg(SensorManager::SensorFolder(newName), oldName);
+        if (Prompt().AskYesNo(question.toStdWString(), kWindowTitle.toStdWString(), this) != IDYES)
+            return;
+    }
     // The row may have moved while the dialog ran (the timer can report a drop, nothing removes rows).
     if (!m_sensors->Replace(row, dialog.Config()))
         return;
@@ -510,6 +524,9 @@ void StudioWindow::RunTool(int toolIndex) {
     case Kind::ChooseMethodAction:
         OfferMethodActions();
         break;
+    case Kind::ReviewDataFile:
+        ShowDataReview(held.get(), outcome.file);
+        break;
     case Kind::MethodFailed:
         Message(outcome.message);
         break;
@@ -528,6 +545,23 @@ void StudioWindow::RunTool(int toolIndex) {
         Message(outcome.message);
         break;
     }
+}
+
+DataReviewWindow* StudioWindow::DataReview() const {
+    return m_dataReview;
+}
+
+void StudioWindow::ShowDataReview(ISensorObject* sensor, const std::wstring& file) {
+    if (!m_dataReview) {
+        m_dataReview = new DataReviewWindow(m_tools->SensorType(), this);
+        m_dataReview->setWindowFlag(Qt::Window);
+    }
+    m_dataReview->SetSensor(sensor);
+    m_dataReview->show();
+    m_dataReview->raise();
+    m_dataReview->activateWindow();
+    if (!m_dataReview->OpenFile(file))
+        m_log->Append(m_dataReview->LastError());
 }
 
 // The menu pops up without a modal loop of its own, so the window (and a test) stays in charge.

@@ -6,13 +6,16 @@
 #include "toolrunner.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 
 class CPXRegistry;
+class DataReviewWindow;
 class QMenu;
 class InstrumentListModel;
 class ISensorInfo;
+class ISensorObject;
 class LogPane;
 class QAction;
 class QGroupBox;
@@ -47,6 +50,8 @@ public:
     // The Method Editor tool's menu (null until the tool first ran).
     QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
+    // The Data Review window (null until the tool first ran).
+    DataReviewWindow* DataReview() const;
     QLabel* Banner() const { return m_banner; }
     QPushButton* OnlineButton() const { return m_onlineButton; }
     // The selected instrument's row, -1 when none.
@@ -68,6 +73,7 @@ protected:
 
 private:
     void OfferMethodActions();
+    void ShowDataReview(ISensorObject* sensor, const std::wstring& file);
     void BuildActions();
     void BuildMenus();
     QWidget* BuildCentralWidget();
@@ -107,6 +113,7 @@ private:
     QGroupBox* m_toolBox = nullptr;
     ToolListWidget* m_tools = nullptr;
     QMenu* m_methodMenu = nullptr;
+    QPointer<DataReviewWindow> m_dataReview;
     LogPane* m_log = nullptr;
     QSplitter* m_mainSplitter = nullptr;
     QSplitter* m_topSplitter = nullptr;

@@ -63,7 +63,7 @@ ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& t
         if (tool.category == kToolCategoryRun)
             return RunMethod(name, *sensor);
         if (tool.index == kToolIndexDataReview)
-            return ReviewData(sensorType, name, *sensor);
+            return ReviewData(name, *sensor);
         return ManageFiles(sensorType, name, *sensor);
     }
     if (tool.category == kToolCategoryRun && tool.index == kToolIndexTune)
@@ -117,18 +117,16 @@ ToolRunner::Outcome ToolRunner::ManageFiles(ISensorInfo& sensorType, const QStri
                 .arg(name, QString::fromStdWString(sensorType.ShortName()))};
 }
 
-// A data file from either side, as Manage Files' Open gives one, handed on.
-ToolRunner::Outcome ToolRunner::ReviewData(ISensorInfo& sensorType, const QString& name,
-                                           ISensorObject& sensor) {
+// A data file from either side, for the Data Review window.
+ToolRunner::Outcome ToolRunner::ReviewData(const QString& name, ISensorObject& sensor) {
     using Kind = Outcome::Kind;
     const std::wstring chosen =
         sensor.SelectFileForKind(kFolderKindData, L"", kSelectReturnCancel, name.toStdWString());
     const QString sensorName = QString::fromStdWString(sensor.GetName());
     if (chosen.empty() || chosen == kCancelled)
         return {Kind::SelectionCancelled, Tr("%1 on %2: no file chosen.").arg(name, sensorName)};
-    const Outcome handed = ReviewFile(sensorType, chosen);
-    return {handed.kind, Tr("%1 on %2; chosen file: %3. %4")
-                             .arg(name, sensorName, QString::fromStdWString(chosen), handed.message)};
+    return {Kind::ReviewDataFile,
+            Tr("%1 on %2; chosen file: %3.").arg(name, sensorName, QString::fromStdWString(chosen)), chosen};
 }
 
 // A method on the instrument, started there.

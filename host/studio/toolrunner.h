@@ -1,11 +1,13 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
-// for a data file, Run Method asks for a method on the instrument and starts it there, the Method
-// Editor makes or opens methods and sequences through the sensor type, Status shows the status panel,
-// Tune tunes the selected instrument and shows its tune reports; the remaining host features are
+// for a data file (the window shows it), Run Method asks for a method on the instrument and starts it there,
+// the Method Editor makes or opens methods and sequences through the sensor type, Status shows the status
+// panel, Tune tunes the selected instrument and shows its tune reports; the remaining host features are
 // outside the studio and say so. Files chosen in Manage Files and Data Review are handed on.
 #include <QString>
+
+#include <string>
 
 class ISensorInfo;
 class ISensorObject;
@@ -29,9 +31,11 @@ public:
             OutOfScope,             // a host feature the studio does not have
             ChooseMethodAction,     // the window should offer the method editor's actions
             HandedToModule,         // a file went to the sensor type's OpenFile or EditMethodOfFile
+            ReviewDataFile,         // Data Review: the window should open `file`
         };
         Kind kind;
         QString message;
+        std::wstring file;
     };
 
     // `sensor` is the selected instrument's sensor, or null. The caller holds a reference on it.
@@ -48,6 +52,6 @@ public:
 private:
     static Outcome RunTune(const QString& toolName, ISensorObject* sensor);
     static Outcome ManageFiles(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
-    static Outcome ReviewData(ISensorInfo& sensorType, const QString& name, ISensorObject& sensor);
+    static Outcome ReviewData(const QString& name, ISensorObject& sensor);
     static Outcome RunMethod(const QString& name, ISensorObject& sensor);
 };

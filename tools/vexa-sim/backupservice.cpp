@@ -81,8 +81,7 @@ std::uint32_t BackupService::Start(const std::vector<std::string>& items, std::s
         m_worker = std::thread(&BackupService::Run, this, std::move(sources), fault);
         return 0;
     }
-    lock.unlock();
-    m_state.QueueEvent(InstrumentState::kEventBackup, kAborted);
+    // A refusal is the reply's status alone: "aborted" ends a backup that ran.
     return status;
 }
 

@@ -29,7 +29,7 @@ public:
 
     // Starts packing `items` (instrument paths, optionally "@HOST:"-prefixed; none packs everything
     // but /Backup). Returns 0 once the packing runs; otherwise a refusal status with the reason in
-    // *problem, and "aborted" is queued. Called from any connection's thread.
+    // *problem, and no event is queued. Called from any connection's thread.
     std::uint32_t Start(const std::vector<std::string>& items, std::string* problem);
 
     // The archive's name for the instrument's hostname (the root's "hostname" file).

@@ -1,9 +1,11 @@
 #include "commandlanguage.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ctime>
 #include <sstream>
 
+#include "acquisitionservice.h"
 #include "backupservice.h"
 #include "instrumentstate.h"
 #include "tunerunner.h"
@@ -32,6 +34,32 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
+// Blank-separated words, where a word in double quotes may hold blanks and \" stands for a quote
+// inside it (any other backslash is itself). An unclosed quote runs to the end of the line.
+std::vector<std::string> QuotedWords(const std::string& line) {
+    std::vector<std::string> words;
+    std::size_t at = 0;
+    for (;;) {
+        at = line.find_first_not_of(" \t", at);
+        if (at == std::string::npos)
+            return words;
+        std::string word;
+        if (line[at] != '"') {
+            const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
+            word = line.substr(at, end - at);
+            at = end;
+        } else {
+            for (++at; at < line.size() && line[at] != '"'; ++at) {
+                if (line[at] == '\\' && at + 1 < line.size() && line[at + 1] == '"')
+                    ++at;
+                word += line[at];
+            }
+            ++at; // past the closing quote
+        }
+        words.push_back(std::move(word));
+    }
+}
+
 // The text after the first `count` words, leading blanks removed.
 std::string RestAfterWords(const std::string& line, std::size_t count) {
     std::size_t at = 0;
@@ -43,6 +71,15 @@ std::string RestAfterWords(const std::string& line, std::size_t count) {
     }
     at = line.find_first_not_of(" \t", at);
     return at == std::string::npos ? std::string() : line.substr(at);
+}
+
+// The first word of a command line, without the quotes that may hold it together.
+std::string FirstWord(const std::string& line) {
+    if (!line.empty() && line.front() == '"') {
+        const std::size_t close = line.find('"', 1);
+        return line.substr(1, close == std::string::npos ? std::string::npos : close - 1);
+    }
+    return line.substr(0, line.find_first_of(" \t"));
 }
 
 // Decimal, or hexadecimal with "0x".
@@ -84,8 +121,9 @@ std::string Hex(const std::vector<std::uint8_t>& bytes) {
 
 } // namespace
 
-CommandLanguage::CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner)
-    : m_state(state), m_backups(backups), m_tuner(tuner) {}
+CommandLanguage::CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner,
+                                 AcquisitionService* acquisitions)
+    : m_state(state), m_backups(backups), m_tuner(tuner), m_acquisitions(acquisitions) {}
 
 Result CommandLanguage::Execute(const std::string& commandLine) {
     const std::vector<std::string> words = Words(commandLine);
@@ -103,7 +141,7 @@ Result CommandLanguage::Execute(const std::string& commandLine) {
     if (verb == "tune")
         return Tune(commandLine, words);
     if (verb == "backup")
-        return Backup(words);
+        return Backup(QuotedWords(commandLine));
     if (verb == "echo")
         return Echo(commandLine);
     if (verb == "date")
@@ -150,13 +188,21 @@ Result CommandLanguage::Events(const std::vector<std::string>& words) {
 
 Result CommandLanguage::Method(const std::string& commandLine, const std::vector<std::string>& words) {
     if (words.size() == 2 && words[1] == "stop") {
-        if (!m_state.StopMethod())
+        if (!(m_acquisitions != nullptr && m_acquisitions->Stop()) && !m_state.StopMethod())
             return Refuse(wire::kStatusInvalid, "no method is running");
         return Result{0, "ok"};
     }
     const std::string methodLine = RestAfterWords(commandLine, 2);
     if (words.size() < 3 || words[1] != "run" || methodLine.empty())
         return Usage("method run <command line> | method stop");
+    const std::string first = FirstWord(methodLine);
+    if (m_acquisitions != nullptr && AcquisitionService::IsMethodName(first)) {
+        std::string problem;
+        const std::uint32_t status = m_acquisitions->Start(first, methodLine, &problem);
+        if (status != wire::kStatusOk)
+            return Refuse(status, problem);
+        return Result{0, "ok"};
+    }
     if (!m_state.StartMethod(methodLine))
         return Refuse(wire::kStatusBusy, "a method is already running");
     return Result{0, "ok"};

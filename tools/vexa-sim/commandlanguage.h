@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+class AcquisitionService;
 class BackupService;
 class InstrumentState;
 class TuneRunner;
@@ -17,8 +18,10 @@ public:
         std::string text;
     };
 
-    // Without a tune runner `tune run` is refused.
-    CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner = nullptr);
+    // Without a tune runner `tune run` is refused; without an acquisition service every `method run`
+    // is a replay.
+    CommandLanguage(InstrumentState& state, BackupService& backups, TuneRunner* tuner = nullptr,
+                    AcquisitionService* acquisitions = nullptr);
 
     Result Execute(const std::string& commandLine);
 
@@ -37,4 +40,5 @@ private:
     InstrumentState& m_state;
     BackupService& m_backups;
     TuneRunner* m_tuner;
+    AcquisitionService* m_acquisitions;
 };

@@ -128,13 +128,33 @@ bool InstrumentState::StartMethod(const std::string& commandLine) {
     m_processStart = now;
     m_processLength =
         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(m_profile.methodSeconds));
+    m_processEndsByItself = true;
     return true;
+}
+
+bool InstrumentState::StartAcquisition(const std::string& commandLine, double seconds) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const Clock::time_point now = Clock::now();
+    AdvanceLocked(now);
+    if (!m_process.empty())
+        return false;
+    m_process = commandLine;
+    m_processStart = now;
+    m_processLength = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    m_processEndsByItself = false;
+    return true;
+}
+
+void InstrumentState::FinishAcquisition(const std::string& eventText) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_process.clear();
+    m_events.push_back(std::to_string(kEventMethodFinished) + " " + eventText);
 }
 
 bool InstrumentState::StopMethod() {
     std::lock_guard<std::mutex> lock(m_mutex);
     AdvanceLocked(Clock::now());
-    if (m_process.empty())
+    if (m_process.empty() || !m_processEndsByItself)
         return false;
     m_process.clear();
     m_events.push_back(std::to_string(kEventMethodFinished) + " method stopped");
@@ -166,7 +186,7 @@ void InstrumentState::SetBackupProgress(int percent) {
 // Time moves the state on lazily, whenever someone looks: a finished method clears `process` and
 // leaves its event in the queue.
 void InstrumentState::AdvanceLocked(Clock::time_point now) {
-    if (!m_process.empty() && now - m_processStart >= m_processLength) {
+    if (!m_process.empty() && m_processEndsByItself && now - m_processStart >= m_processLength) {
         m_process.clear();
         m_events.push_back(std::to_string(kEventMethodFinished) + " method finished");
     }

@@ -38,6 +38,10 @@ public:
     bool StartMethod(const std::string& commandLine);
     // Ends a running replay early and queues "method stopped"; false when no replay runs.
     bool StopMethod();
+    // An acquisition's process runs until FinishAcquisition, which queues its event text; `seconds`
+    // is what processTotal reports. False when a method or replay is already running.
+    bool StartAcquisition(const std::string& commandLine, double seconds);
+    void FinishAcquisition(const std::string& eventText);
     std::string RunningProcess();
     void SetManualTune(int number, const std::string& path);
     // The manual tune file with that number; empty when none was set.
@@ -56,6 +60,7 @@ private:
     std::string m_process;
     Clock::time_point m_processStart;
     Clock::duration m_processLength{};
+    bool m_processEndsByItself = false; // a replay; an acquisition is ended by its service
     int m_backupProgress = 0;
     std::map<int, std::string> m_manualTunes;
 };

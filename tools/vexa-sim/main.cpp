@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <unistd.h>
 
+#include "acquisitionservice.h"
 #include "backupservice.h"
 #include "commandlanguage.h"
 #include "demoinstrument.h"
@@ -12,6 +13,7 @@
 #include "fileservice.h"
 #include "instrumentstate.h"
 #include "pathconfinement.h"
+#include "samplemixture.h"
 #include "simoptions.h"
 #include "simserver.h"
 #include "tracelog.h"
@@ -80,13 +82,20 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    SampleMixture sample;
+    if (!options.sample.empty() && !sample.LoadFile(options.sample, &problem)) {
+        std::fprintf(stderr, "vexa-sim: %s\n", problem.c_str());
+        return 1;
+    }
+
     TraceLog log(options.trace);
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
     TuneRunner tuner(paths, state);
     BackupService backups(paths, state, options.faults);
-    CommandLanguage commands(state, backups, &tuner);
+    AcquisitionService acquisitions(paths, state, {options.timeScale, options.sample, options.seed});
+    CommandLanguage commands(state, backups, &tuner, &acquisitions);
     SimServer server(SimServices{files, commands, options.faults, log, options.replyDelayMs});
 
     int wakeRead = -1;

@@ -1,6 +1,7 @@
 #include "simoptions.h"
 
 #include <charconv>
+#include <cstdlib>
 
 namespace {
 constexpr int kMaxReplyDelayMs = 60000;
@@ -54,6 +55,26 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
                 *problem = "--reply-delay needs a number of milliseconds from 0 to 60000";
                 return Outcome::Error;
             }
+        } else if (option == "--time-scale") {
+            if (!value(&text))
+                return Outcome::Error;
+            char* end = nullptr;
+            timeScale = std::strtod(text.c_str(), &end);
+            if (text.empty() || *end != '\0' || !(timeScale >= 0.01 && timeScale <= 10000)) {
+                *problem = "--time-scale needs a factor from 0.01 to 10000";
+                return Outcome::Error;
+            }
+        } else if (option == "--sample") {
+            if (!value(&sample))
+                return Outcome::Error;
+        } else if (option == "--seed") {
+            if (!value(&text))
+                return Outcome::Error;
+            const auto result = std::from_chars(text.data(), text.data() + text.size(), seed);
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
+                *problem = "--seed needs a whole number";
+                return Outcome::Error;
+            }
         } else if (option == "--fault") {
             if (!value(&text) || !faults.Add(text, problem))
                 return Outcome::Error;
@@ -73,10 +94,14 @@ std::string SimOptions::Usage() {
     return "usage: vexa-sim {--root DIR | --demo [--root DIR]} [--address 127.0.0.1] [--port 4840]\n"
            "                [--profile FILE.json]\n"
            "                [--trace] [--no-compress] [--reply-delay MS] [--fault FAULT ...]\n"
+           "                [--time-scale F] [--sample FILE.json] [--seed N]\n"
            "       vexa-sim --help | --version\n"
            "Serves DIR as the instrument's file system on the instrument link.\n"
            "  --demo         serve a copy of the demo instrument, made in DIR (default\n"
            "                 ~/.local/share/vexa-sim/demo) when DIR does not exist yet\n"
+           "  --time-scale F    acquisitions run F times faster than their methods say\n"
+           "  --sample FILE     the sample acquisitions measure (default: DIR/Lib/Mixture.json)\n"
+           "  --seed N          the seed of the acquisitions' noise (same seed, same data)\n"
            "  --trace        log every frame received and sent on stderr\n"
            "  --no-compress  never compress file data\n"
            "  --reply-delay MS  answer every request MS milliseconds late (a slow network)\n"

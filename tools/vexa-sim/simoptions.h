@@ -24,4 +24,9 @@ public:
     // Every answer waits this long before it leaves: a field network's latency.
     int replyDelayMs = 0;
     FaultPlan faults;
+    // Acquisitions: how much faster than the method they run, the sample they measure (empty: the
+    // instrument's own /Lib/Mixture.json), and the seed of their noise.
+    double timeScale = 1;
+    std::string sample;
+    std::uint32_t seed = 1;
 };

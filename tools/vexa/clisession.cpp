@@ -1,4 +1,5 @@
 #include "cli.h"
+#include "runcommands.h"
 
 #include "sensorinfo.h"
 #include "text.h"
@@ -9,9 +10,9 @@
 
 std::vector<AddCommand> CliCommands() {
     return {
-        AddPingCommand,  AddNextNameCommand, AddStatusCommand, AddLsCommand,     AddStatCommand,
-        AddGetCommand,   AddPutCommand,      AddCpCommand,     AddRmCommand,     AddRmdirCommand,
-        AddMkdirCommand, AddMvCommand,       AddRunCommand,    AddBackupCommand, AddMethodCommand,
+        AddPingCommand, AddNextNameCommand, AddStatusCommand, AddLsCommand,    AddStatCommand,  AddGetCommand,
+        AddPutCommand,  AddCpCommand,       AddRmCommand,     AddRmdirCommand, AddMkdirCommand, AddMvCommand,
+        AddRunCommand,  AddBackupCommand,   AddMethodCommand, AddDataCommand,
     };
 }
 

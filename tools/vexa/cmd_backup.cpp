@@ -5,16 +5,20 @@
 #include "filecopy.h"
 #include "interruptguard.h"
 
+#include "fileinfo.h"
 #include "pumpwait.h"
 #include "remotename.h"
 #include "sensorevent.h"
 #include "sensorobserver.h"
 #include "text.h"
+#include "vexabackup.h"
 #include "vexadevice.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
 
 #include <cstdio>
+#include <ctime>
+#include <deque>
 #include <iostream>
 #include <optional>
 
@@ -35,17 +39,24 @@ struct BackupArgs {
     std::string overwrite;
 };
 
-// Keeps the text of the instrument's backup notification. Called on this thread, from OnTimer.
-class BackupNotification : public ISensorObserver {
+// Keeps the texts of the instrument's backup notifications, oldest first. Called on this thread, from
+// OnTimer.
+class BackupNotifications : public ISensorObserver {
 public:
     void OnSensorEvent(const ISensorEvent& event) override {
-        if (event.code == kSensorEventBackup && !m_text)
-            m_text = event.text;
+        if (event.code == kSensorEventBackup)
+            m_texts.push_back(event.text);
     }
-    const std::optional<std::wstring>& text() const { return m_text; }
+    std::optional<std::wstring> Take() {
+        if (m_texts.empty())
+            return std::nullopt;
+        std::wstring text = std::move(m_texts.front());
+        m_texts.pop_front();
+        return text;
+    }
 
 private:
-    std::optional<std::wstring> m_text;
+    std::deque<std::wstring> m_texts;
 };
 
 // "backing up: 42%" rewritten in place on a terminal; nothing otherwise.
@@ -73,14 +84,37 @@ private:
     int m_shown = -1;
 };
 
-// Polls the instrument until its backup notification arrives; the archive's instrument path, or an
-// exit code (1: aborted, timed out or interrupted; 3: the instrument went away).
-int AwaitArchive(const CliContext& ctx, VEXASensorObject& sensor, int timeoutSeconds, std::wstring* archive) {
-    BackupNotification notification;
-    notification.SetSensor(&sensor);
+// Polls the instrument until the notification of the backup started at `started` arrives; the
+// archive's instrument path, or an exit code (1: aborted, timed out or interrupted; 3: the instrument
+// went away). The caller has taken every notification queued before the start.
+int AwaitArchive(const CliContext& ctx, VEXASensorObject& sensor, std::time_t started, int timeoutSeconds,
+                 std::wstring* archive) {
+    BackupNotifications notifications;
+    notifications.SetSensor(&sensor);
     PercentLine line(ctx);
     const uint32_t start = TickCount();
-    while (!notification.text()) {
+    for (;;) {
+        while (std::optional<std::wstring> text = notifications.Take()) {
+            if (text->find(FromUtf8(kArchiveMark)) == std::wstring::npos) {
+                PrintError(ctx,
+                           "backup: the instrument " + (*text == L"aborted"
+                                                            ? std::string("aborted it")
+                                                            : "answered \"" + ToUtf8(*text) + "\""),
+                           0);
+                return kExitFailed;
+            }
+            bool ours = false;
+            if (!VexaBackup::IsArchiveSince(sensor.GetSensorAddress().GetHostname(), *text, started, &ours)) {
+                PrintError(ctx, "backup: cannot describe " + ToUtf8(*text), FileInfo::LastError(),
+                           FileInfo::LastErrorText());
+                return ExitCodeFor(FileInfo::LastError());
+            }
+            if (ours) {
+                *archive = *text;
+                return kExitOk;
+            }
+            // The archive an earlier backup left: ours is still coming.
+        }
         if (InterruptGuard::Interrupted()) {
             PrintError(ctx, "backup: interrupted (the instrument goes on with it)", 0);
             return kExitFailed;
@@ -100,16 +134,6 @@ int AwaitArchive(const CliContext& ctx, VEXASensorObject& sensor, int timeoutSec
         if (VexaDevice(sensor.GetDevice(L"VEXA")).HasSnapshot())
             line.Show(VexaDevice(sensor.GetDevice(L"VEXA")).getBackupProgress() % 101);
     }
-    *archive = *notification.text();
-    if (archive->find(FromUtf8(kArchiveMark)) == std::wstring::npos) {
-        PrintError(ctx,
-                   "backup: the instrument " + (*archive == L"aborted"
-                                                    ? std::string("aborted it")
-                                                    : "answered \"" + ToUtf8(*archive) + "\""),
-                   0);
-        return kExitFailed;
-    }
-    return kExitOk;
 }
 
 int RunBackup(CliContext& ctx, const BackupArgs& args) {
@@ -118,18 +142,22 @@ int RunBackup(CliContext& ctx, const BackupArgs& args) {
     if (int code = ConnectForLink(ctx, session, instrument))
         return code;
     VEXASensorObject& sensor = *session.Sensor();
-    std::wstring items;
+    std::vector<std::wstring> items;
     for (const std::string& item : args.items)
-        items += (items.empty() ? L"" : L" ") + FromUtf8(item);
+        items.push_back(FromUtf8(item));
     InterruptGuard interrupts;
+    // The notifications are one queue for every client: what is queued now belongs to an earlier
+    // backup (a refused start, one left running by an interrupted run) and is taken unseen.
+    sensor.OnTimer(0);
+    const std::time_t started = std::time(nullptr);
     VexaDevice device(sensor.GetDevice(L"VEXA"));
-    if (!device.runBackup(items)) {
+    if (!device.runBackup(VexaBackup::JoinItems(items))) {
         PrintError(ctx, "backup: the instrument refused it", device.getLastError(),
                    device.getLastErrorText());
         return ExitCodeFor(device.getLastError());
     }
     std::wstring archive;
-    if (int code = AwaitArchive(ctx, sensor, args.timeout, &archive))
+    if (int code = AwaitArchive(ctx, sensor, started, args.timeout, &archive))
         return code;
 
     FileOperand source, destination;

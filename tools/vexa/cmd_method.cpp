@@ -1,6 +1,7 @@
 // vexa method show [--json] FILE...: the main settings and run time of methods on this computer or on
 // an instrument (@HOST:/PATH).
 #include "cmd_filesupport.h"
+#include "runcommands.h"
 
 #include "hostsessions.h"
 #include "text.h"
@@ -19,33 +20,60 @@ struct MethodShowArgs {
     bool json = false;
 };
 
+constexpr const char* kNotSet = "not set";
+
+// The settings shown, each with the file's name of the setting it reads.
+struct ShownSetting {
+    const char* label;   // text output
+    const char* key;     // JSON output
+    const wchar_t* file; // the setting in the file
+    std::string (*value)(const VexaMethod& method);
+};
+
+const ShownSetting kShownSettings[] = {
+    {"description:        ", "description", L"description",
+     [](const VexaMethod& m) { return ToUtf8(m.getDescription()); }},
+    {"model:              ", "modelName", L"model",
+     [](const VexaMethod& m) { return ToUtf8(Vexa::GetModelName(m.getModel())); }},
+    {"sample input device:", "accessoryName", L"accessory",
+     [](const VexaMethod& m) { return ToUtf8(Vexa::GetAccessoryName(m.getAccessory(), m.getModel())); }},
+    {"mode:               ", "methodMode", L"methodMode",
+     [](const VexaMethod& m) { return ToUtf8(Vexa::GetMethodModeName(m.getMethodMode())); }},
+    {"collection mode:    ", "scanMode", L"scanMode",
+     [](const VexaMethod& m) { return ToUtf8(Vexa::GetScanModeName(m.getScanMode())); }},
+    {"concentrator:       ", "concentrator", L"concentrator",
+     [](const VexaMethod& m) { return ToUtf8(Vexa::GetConcentratorName(m.getConcentrator())); }},
+};
+
 nlohmann::ordered_json MethodJson(const std::string& file, const VexaMethod& method) {
     nlohmann::ordered_json out;
     out["file"] = file;
-    out["description"] = ToUtf8(method.getDescription());
-    out["model"] = method.getModel();
-    out["modelName"] = ToUtf8(Vexa::GetModelName(method.getModel()));
-    out["accessory"] = method.getAccessory();
-    out["accessoryName"] = ToUtf8(Vexa::GetAccessoryName(method.getAccessory(), method.getModel()));
-    out["methodMode"] = ToUtf8(Vexa::GetMethodModeName(method.getMethodMode()));
-    out["scanMode"] = ToUtf8(Vexa::GetScanModeName(method.getScanMode()));
-    out["concentrator"] = ToUtf8(Vexa::GetConcentratorName(method.getConcentrator()));
+    for (const ShownSetting& setting : kShownSettings)
+        out[setting.key] =
+            method.IsSet(setting.file) ? nlohmann::ordered_json(setting.value(method)) : nullptr;
+    out["model"] = method.IsSet(L"model") ? nlohmann::ordered_json(method.getModel()) : nullptr;
+    out["accessory"] = method.IsSet(L"accessory") ? nlohmann::ordered_json(method.getAccessory()) : nullptr;
+    // The run time follows the event table, whatever else is missing.
     out["runTimeSeconds"] = method.GetRunTimeSeconds();
     out["runTime"] = ToUtf8(FormatTimeSpan(method.GetRunTimeSeconds()));
+    std::vector<std::string> unset;
+    for (const std::wstring& name : method.GetUnsetSettings())
+        unset.push_back(ToUtf8(name));
+    out["notSet"] = unset;
     return out;
 }
 
 void PrintMethod(const std::string& file, const VexaMethod& method) {
-    std::cout << file << "\n"
-              << "  description:         " << ToUtf8(method.getDescription()) << "\n"
-              << "  model:               " << ToUtf8(Vexa::GetModelName(method.getModel())) << "\n"
-              << "  sample input device: "
-              << ToUtf8(Vexa::GetAccessoryName(method.getAccessory(), method.getModel())) << "\n"
-              << "  mode:                " << ToUtf8(Vexa::GetMethodModeName(method.getMethodMode())) << "\n"
-              << "  collection mode:     " << ToUtf8(Vexa::GetScanModeName(method.getScanMode())) << "\n"
-              << "  concentrator:        " << ToUtf8(Vexa::GetConcentratorName(method.getConcentrator()))
-              << "\n"
-              << "  run time (M:S):      " << ToUtf8(FormatTimeSpan(method.GetRunTimeSeconds())) << "\n";
+    std::cout << file << "\n";
+    for (const ShownSetting& setting : kShownSettings)
+        std::cout << "  " << setting.label << " "
+                  << (method.IsSet(setting.file) ? setting.value(method) : kNotSet) << "\n";
+    std::cout << "  run time (M:S):      " << ToUtf8(FormatTimeSpan(method.GetRunTimeSeconds())) << "\n";
+    std::string others;
+    for (const std::wstring& name : method.GetUnsetSettings())
+        others += (others.empty() ? "" : ", ") + ToUtf8(name);
+    if (!others.empty())
+        std::cout << "  not set:             " << others << "\n";
 }
 
 // Reads one method; prints why not and returns the exit code when it cannot.
@@ -102,4 +130,5 @@ void AddMethodCommand(CLI::App& app, CliContext& ctx) {
     show->add_flag("--json", args->json, "Print the methods as a JSON array");
     show->add_option("FILE", args->files, "Method files, local or @HOST:/PATH")->required();
     show->callback([&ctx, args] { ctx.exitCode = RunMethodShow(ctx, *args); });
+    AddMethodRunCommands(method, ctx);
 }

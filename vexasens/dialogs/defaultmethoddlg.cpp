@@ -74,7 +74,7 @@ CDefaultMethodDlg::CDefaultMethodDlg(ISensorObject* sensor, QWidget* parent)
     Ui::Dialog1737 form;
     SetupTemplate(form);
     m_modelList = form.models;
-    SetWindowText(L"Default Methods");
+    SetWindowText(LoadString(IDS_DEFAULT_METHODS_TITLE));
     SetDlgItemText(IDC_DEFAULT_METHOD_EDIT, LoadString(IDS_EDIT_METHOD));
     connect(m_modelList, &QListWidget::itemChanged, this, [this] {
         ReadModelChecks();
@@ -94,9 +94,8 @@ void CDefaultMethodDlg::DoDataExchange(CDataExchange& dx) {
 bool CDefaultMethodDlg::OnInitDialog() {
     CDialog_::OnInitDialog();
     if (!FullDirCreate(m_catalogue.MethodFolder()))
-        ShowMessage(L"The default methods folder " + m_catalogue.MethodFolder() +
-                        L" cannot be created; no default method can be installed.",
-                    {}, PromptIcon::Warning);
+        ShowMessage(FormatString(IDS_DEFAULT_METHODS_FOLDER_FAILED, m_catalogue.MethodFolder().c_str()), {},
+                    PromptIcon::Warning);
     std::vector<std::wstring> problems = m_catalogue.Scan();
     for (std::wstring& problem : m_catalogue.InstallMissing())
         problems.push_back(std::move(problem));
@@ -187,9 +186,10 @@ void CDefaultMethodDlg::AddRow(const std::wstring& path, const DefaultMethodMode
         WithoutExtension(FileNameOf(path)),
         model.name,
         Vexa::GetAccessoryName(method.getAccessory(), method.getModel()),
-        CodeText(method.getMethodMode(), {IDS_MODE_GCMS, IDS_MODE_SURVEY}),
-        CodeText(method.getScanMode(), {IDS_SCAN_FULL, IDS_SCAN_SIM}),
-        CodeText(method.getConcentrator(),
+        // A setting that is not set shows as an unknown code does: empty.
+        CodeText(method.IsSet(L"methodMode") ? method.getMethodMode() : -1, {IDS_MODE_GCMS, IDS_MODE_SURVEY}),
+        CodeText(method.IsSet(L"scanMode") ? method.getScanMode() : -1, {IDS_SCAN_FULL, IDS_SCAN_SIM}),
+        CodeText(method.IsSet(L"concentrator") ? method.getConcentrator() : -1,
                  {IDS_CONCENTRATOR_NONE, IDS_CONCENTRATOR_TENAX, IDS_CONCENTRATOR_CARBON}),
         FormatTimeSpan(method.GetRunTimeSeconds()),
     };
@@ -237,8 +237,7 @@ void CDefaultMethodDlg::NewMethod() {
     BuildGrid();
 }
 
-void CDefaultMethodDlg::RunMethodWizard(const std::wstring& path, const std::wstring&) {
-    // The editor names its window after the file; a new method has none until it is saved.
+void CDefaultMethodDlg::RunMethodWizard(const std::wstring& path, const std::wstring& title) {
     VexaMethod method;
     if (!path.empty()) {
         VexaFileRef file;
@@ -248,6 +247,9 @@ void CDefaultMethodDlg::RunMethodWizard(const std::wstring& path, const std::wst
         file.Close();
     }
     CVexaMethodWizard wizard(method, path, GetWizardMode(), nullptr, L"dmth");
+    // A method of the grid is titled by its name; a new one by the editor until it is saved.
+    if (!title.empty())
+        wizard.SetTitle(title);
     wizard.DoModal();
 }
 
@@ -269,7 +271,7 @@ void CDefaultMethodDlg::RestoreDefaultMethods() {
 void CDefaultMethodDlg::ReportProblems(const std::vector<std::wstring>& problems) {
     if (problems.empty())
         return;
-    std::wstring text = L"Some default methods could not be read or installed:\n";
+    std::wstring text = LoadString(IDS_DEFAULT_METHODS_PROBLEMS) + L"\n";
     for (const std::wstring& problem : problems)
         text += L"\n" + problem;
     ShowMessage(text, {}, PromptIcon::Warning);

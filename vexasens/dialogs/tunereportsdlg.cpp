@@ -1,5 +1,6 @@
 #include "tunereportsdlg.h"
 
+#include "commsensor.h"
 #include "filetext.h"
 #include "generatetunereport.h"
 #include "margin.h"
@@ -249,10 +250,13 @@ void CTuneReportsDlg::SaveTuneFile() {
     }
     std::wstring folder;
     ParseFilename(name, &folder, nullptr, nullptr);
-    if (folder.empty() || !m_sensor->HasDevice(L"VEXA"))
+    // An instrument off line is not asked, and a link that closes while asking is no refusal: only an
+    // instrument that answered no is reported.
+    const IChannel* channel = m_sensor->GetChannel();
+    if (folder.empty() || !m_sensor->HasDevice(L"VEXA") || !channel || !channel->IsOpen())
         return;
     VexaDevice device(m_sensor->GetDevice(L"VEXA"));
-    if (!device.setManualTuneFile(kManualTuneNumber, name))
+    if (!device.setManualTuneFile(kManualTuneNumber, name) && device.getLastError() != kWsaNotConn)
         ShowMessage(
             FormatString(IDS_TUNE_MANUAL_FAILED, name.c_str(), DescribeError(device.getLastError()).c_str()),
             {}, PromptIcon::Warning);
@@ -325,6 +329,14 @@ void CTuneReportsDlg::OpenReport() {
         ShowMessage(
             FormatString(IDS_TUNE_REPORT_UNREADABLE, m_tuneFile.c_str(), m_report.GetLastErrorText().c_str()),
             {}, PromptIcon::Warning);
+    if (m_reportOpen && !m_report.GetUnreadable().empty()) {
+        // The reports that read are listed; the others are named (and kept in the file).
+        std::wstring names;
+        for (const std::wstring& name : m_report.GetUnreadable())
+            names += (names.empty() ? L"" : L", ") + name;
+        ShowMessage(FormatString(IDS_TUNE_REPORT_PARTLY_UNREADABLE, m_reportFile.c_str(), names.c_str()), {},
+                    PromptIcon::Warning);
+    }
 }
 
 // A failed save leaves the file as it was (the library writes a temporary name first); the reports

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <limits>
 
@@ -74,6 +75,7 @@ void VXSFileInfoImpl::StartOperation() {
     m_replyStatus = 0;
     m_replyText.clear();
     m_endOfData = false;
+    m_linkFailed = false;
     m_answerBytes = 0;
 }
 
@@ -108,9 +110,19 @@ bool VXSFileInfoImpl::SendRequest(uint32_t command, uint16_t flags, const std::s
     return true;
 }
 
+bool VXSFileInfoImpl::Receive(uint8_t* buffer, int count) {
+    if (m_sensor->ReceiveBytes(buffer, count) == count)
+        return true;
+    // The link's own failure (time-out, reset) is what the user must read.
+    const int linkError = m_sensor->GetLastLinkError();
+    m_error = linkError != 0 ? linkError : kWsaNotConn;
+    m_linkFailed = true;
+    return false;
+}
+
 bool VXSFileInfoImpl::WaitForStatus() {
     // The next frame is taken as the answer, whatever its kind or id.
-    if (m_sensor->ReceiveBytes(m_frame, kStatusReplySize) != kStatusReplySize)
+    if (!Receive(m_frame, kStatusReplySize))
         return false;
     m_header = DecodeHeader(m_frame);
     if (Overrun(m_header.length))
@@ -121,7 +133,7 @@ bool VXSFileInfoImpl::WaitForStatus() {
     uint32_t kept = 0;
     for (uint32_t left = restSize; left > 0;) {
         const int chunk = int(std::min<uint32_t>(left, uint32_t(kMaxPayload - 4)));
-        if (m_sensor->ReceiveBytes(rest, chunk) != chunk)
+        if (!Receive(rest, chunk))
             return false;
         if (kept == 0)
             kept = uint32_t(chunk); // the message text sits at the start
@@ -140,7 +152,7 @@ bool VXSFileInfoImpl::WaitForData(uint32_t id) {
     for (;;) {
         m_header = FrameHeader{};
         std::memset(m_frame, 0, sizeof m_frame);
-        if (m_sensor->ReceiveBytes(m_frame, kFrameHeaderSize) != kFrameHeaderSize)
+        if (!Receive(m_frame, kFrameHeaderSize))
             return false;
         m_header = DecodeHeader(m_frame);
         if (Overrun(m_header.length))
@@ -149,8 +161,7 @@ bool VXSFileInfoImpl::WaitForData(uint32_t id) {
             m_error = kErrTooLarge;
             return false;
         }
-        if (m_header.length > 0 &&
-            m_sensor->ReceiveBytes(payload, int(m_header.length)) != int(m_header.length))
+        if (m_header.length > 0 && !Receive(payload, int(m_header.length)))
             return false;
         if (id == 0 || m_header.argument == id) {
             if (m_header.kind == kFrameReply) {
@@ -163,8 +174,10 @@ bool VXSFileInfoImpl::WaitForData(uint32_t id) {
             }
             if (m_header.flags & kFlagCompressed) {
                 size_t expanded = sizeof m_scratch;
-                if (!UncompressBuffer(m_scratch, &expanded, payload, m_header.length))
+                if (!UncompressBuffer(m_scratch, &expanded, payload, m_header.length)) {
+                    m_error = EPROTO;
                     return false;
+                }
                 std::memset(payload, 0, kMaxPayload);
                 std::memcpy(payload, m_scratch, expanded);
                 m_header.length = uint32_t(expanded);
@@ -224,6 +237,9 @@ bool VXSFileInfoImpl::ReadSensorDir(const std::wstring& folder, std::vector<File
                 parentSeen = true;
         }
     }
+    // A listing cut short by the link keeps what came; the sensor (gone off line) tells why.
+    if (m_linkFailed)
+        m_error = 0;
     if (m_error != 0)
         return false;
     // Every folder but the root offers a way up, whether the instrument listed one or not.

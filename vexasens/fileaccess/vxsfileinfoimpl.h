@@ -68,6 +68,8 @@ private:
                      uint32_t extra, uint32_t* id);
     bool StatusCommand(uint32_t command, uint16_t flags, const std::wstring& first,
                        const std::wstring& second);
+    // Receives exactly `count` bytes; on failure the error becomes the link's.
+    bool Receive(uint8_t* buffer, int count);
     bool WaitForStatus();
     bool WaitForData(uint32_t id);
     void NoteReply(uint32_t status, const uint8_t* text, uint32_t size);
@@ -80,6 +82,7 @@ private:
     SensorRef<VEXASensorObject> m_sensor;
     FrameHeader m_header;
     bool m_endOfData = false;
+    bool m_linkFailed = false;
     uint64_t m_answerBytes = 0; // received for the operation in progress, headers included
     uint8_t m_frame[kFrameHeaderSize + kMaxPayload];
     uint8_t m_scratch[kMaxPayload];

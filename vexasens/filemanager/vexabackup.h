@@ -11,10 +11,21 @@ namespace VexaBackup {
 inline constexpr wchar_t kArchiveMark[] = L"_backup.tgz";
 inline constexpr wchar_t kAborted[] = L"aborted";
 
-// One item per entry, joined by one space. With a host, an item is "@HOST:" + folder + "/" + name;
-// without one the separator is a backslash. The folder loses every trailing "/" and backslash first.
+// One item per entry, joined as JoinItems does. With a host, an item is "@HOST:" + folder + "/" +
+// name; without one the separator is a backslash. The folder loses every trailing "/" and backslash
+// first.
 std::wstring ItemArgument(const std::wstring& host, const std::wstring& folder,
                           const std::vector<std::wstring>& names);
+
+// The items joined by one space. The instrument splits the argument on blanks, so an item holding a
+// blank or a double quote travels in double quotes, with \" for each quote inside; any other item goes
+// as it is.
+std::wstring JoinItems(const std::vector<std::wstring>& items);
+
+// Whether the finished archive at instrument path `archive` on `host` was written at or after `since`
+// (seconds since 1970): an older one is what an earlier backup left, named by a notification that
+// backup queued. False when the archive cannot be described (FileInfo::LastError says why).
+bool IsArchiveSince(const std::wstring& host, const std::wstring& archive, int64_t since, bool* newer);
 
 enum class Notification {
     Ignore,       // codes below 1

@@ -13,6 +13,7 @@
 #include "pxformat.h"
 #include "remotename.h"
 #include "resource.h"
+#include "sensorevent.h"
 #include "sensornotifyevent.h"
 #include "sensorobject.h"
 #include "systemaccess.h"
@@ -177,9 +178,7 @@ bool CVexaFileDlg::OnInitDialog() {
                    IDC_FILEMGR_COPY_TO_LOCAL, IDC_FILEMGR_UNUSED})
         EnableControl(id, false);
 
-    const bool backup = BackupAllowed();
-    EnableControl(IDC_FILEMGR_BACKUP, backup);
-    EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
+    UpdateInstrumentButtons();
 
     const bool service = CSystemAccess::Accessible(0);
     // Without the service level Alt+H is an ordinary key for the dialog's other controls.
@@ -363,13 +362,14 @@ std::wstring CVexaFileDlg::ActiveProcess() const {
 }
 
 bool CVexaFileDlg::BackupAllowed() const {
-    return ActiveProcess().empty() && CSystemAccess::Accessible(1);
+    return m_online && ActiveProcess().empty() && CSystemAccess::Accessible(1);
 }
 
-void CVexaFileDlg::UpdateBackupButtons(int pane) {
-    if (pane != kRemotePane)
-        return;
-    EnableControl(IDC_FILEMGR_BACKUP, BackupAllowed() && !SelectedEntries(kRemotePane).empty());
+void CVexaFileDlg::UpdateInstrumentButtons() {
+    const bool backup = BackupAllowed();
+    EnableControl(IDC_FILEMGR_BACKUP, backup && !SelectedEntries(kRemotePane).empty());
+    EnableControl(IDC_FILEMGR_BACKUP_ALL, backup);
+    EnableControl(IDC_FILEMGR_REMOTE_NEW_FOLDER, m_online);
 }
 
 void CVexaFileDlg::UpdateButtons(int pane, bool now) {
@@ -386,14 +386,14 @@ void CVexaFileDlg::UpdateButtons(int pane, bool now) {
     EnableCommand(IDC_FILEMGR_RENAME, any);
 
     // Only this pane's direction: a selection in the other pane keeps its own copy button.
-    bool copy = any;
+    bool copy = any && (pane == kRemotePane || m_online);
     if (pane == kLocalPane && !MayCopyDataFiles()) {
         for (const FileInfo& entry : selection)
             if (IsWorkstationDataFileName(entry.name))
                 copy = false;
     }
     EnableControl(pane == kLocalPane ? IDC_FILEMGR_COPY_TO_REMOTE : IDC_FILEMGR_COPY_TO_LOCAL, copy);
-    UpdateBackupButtons(pane);
+    UpdateInstrumentButtons();
 
     std::wstring description;
     if (selection.size() == 1 && !IsFolderEntry(selection.front()))
@@ -590,9 +590,19 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
         m_remotePane.SetHost(m_sensor->GetSensorAddress().GetHostname());
         if (m_remotePane.Host().empty())
             m_online = false;
+        if (!m_online)
+            EnableControl(IDC_FILEMGR_COPY_TO_REMOTE, false);
+        UpdateInstrumentButtons();
     }
-    if (what == VexaBackup::Notification::ArchiveReady)
-        FetchBackup(text);
+    if (code == kSensorEventBackup) {
+        const bool own = IsOwnBackupOutcome(text);
+        if (m_backupRunning && !own)
+            return; // an earlier backup's archive: this one still packs, its window stays
+        m_backupRunning = m_backupRunning && !own;
+        // Another client's backup only changed what the panes show.
+        if (own && what == VexaBackup::Notification::ArchiveReady)
+            FetchBackup(text);
+    }
     // Whatever the notification said, a backup window still open has nothing more to wait for.
     EndBackupWindow();
     // Both panes show what is there now, the instrument first.

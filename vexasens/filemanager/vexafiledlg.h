@@ -130,7 +130,8 @@ private:
     void FillPane(int pane);
     void RefreshPane(int pane);
     void EnableCommand(int id, bool on);
-    void UpdateBackupButtons(int pane);
+    // Backup, Backup All and the instrument's New Folder: enabled only when they can act.
+    void UpdateInstrumentButtons();
     bool BackupAllowed() const;
     std::wstring ActiveProcess() const;
     const FileInfo* EntryAtRow(int pane, int row) const;
@@ -147,6 +148,9 @@ private:
     void OnSpeedChanged();
     void OnSensorNotification(uint32_t code, const std::wstring& text);
     void EndBackupWindow();
+    // Whether a backup notification's text is the outcome of the backup this dialog runs (not of one
+    // that another client, or an earlier run, left queued).
+    bool IsOwnBackupOutcome(const std::wstring& text) const;
     void FetchBackup(const std::wstring& archive);
     void BeginDrag(int pane, const QPoint& globalPos);
     void MoveDragImage();
@@ -160,6 +164,9 @@ private:
     CVexaFilePane m_remotePane;
     SensorRef<> m_sensor;
     bool m_online = false;
+    // From this dialog's backup start until its outcome; the start in seconds since 1970.
+    bool m_backupRunning = false;
+    int64_t m_backupSince = 0;
     std::wstring m_title;
     uint32_t m_flags = 0;
     std::wstring m_localStartFolder;

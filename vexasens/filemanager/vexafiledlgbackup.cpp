@@ -8,12 +8,17 @@
 #include "fileinfo.h"
 #include "remotename.h"
 #include "resource.h"
+#include "sensorevent.h"
+#include "sensornotifyevent.h"
 #include "sensorobject.h"
 #include "vexabackup.h"
 #include "vexadevice.h"
 #include "vexafilelist.h"
 #include "winsockerror.h"
 
+#include <QCoreApplication>
+
+#include <ctime>
 #include <utility>
 
 namespace {
@@ -27,8 +32,6 @@ constexpr wchar_t kArchiveExtension[] = L"tgz";
 void CVexaFileDlg::Backup(bool all) {
     if (!RemoteList() || !m_online || !BackupAllowed())
         return;
-    if (AskYesNo(LoadString(IDS_BACKUP_CONFIRM), LoadString(IDS_BACKUP_TITLE)) != IDYES)
-        return;
     std::wstring argument;
     if (!all) {
         std::vector<std::wstring> names;
@@ -38,17 +41,42 @@ void CVexaFileDlg::Backup(bool all) {
             return;
         argument = VexaBackup::ItemArgument(m_remotePane.Host(), RemoteList()->Folder(), names);
     }
+    if (AskYesNo(LoadString(IDS_BACKUP_CONFIRM), LoadString(IDS_BACKUP_TITLE)) != IDYES)
+        return;
+    // The instrument's notifications are one queue for every client: what it holds now belongs to an
+    // earlier backup and is handled as such before this one starts. (A poll already under way on the
+    // timer's thread takes them instead; an archive they name is then refused by its time.)
+    m_sensor->OnTimer(0);
+    QCoreApplication::sendPostedEvents(this, CSensorNotifyEvent::kDefaultType);
     IDevice& device = m_sensor->GetDevice(L"VEXA");
     VexaDevice instrument(device);
+    m_backupSince = std::time(nullptr);
+    // Running from before the start: the outcome may arrive while the start's own wait pumps events.
+    m_backupRunning = true;
     // A backup that did not start sends no notification: no window would ever be ended.
     if (!instrument.runBackup(argument)) {
+        m_backupRunning = false;
         ShowMessage(FormatString(IDS_BACKUP_START_FAILED, DescribeError(instrument.getLastError()).c_str(),
                                  instrument.getLastErrorText().c_str()),
                     LoadString(IDS_BACKUP_TITLE), PromptIcon::Error);
         return;
     }
-    m_backupDlg->SetDevice(&device);
-    m_backupDlg->DoModal();
+    if (m_backupRunning) { // else its outcome has been handled already
+        m_backupDlg->SetDevice(&device);
+        m_backupDlg->DoModal();
+    }
+    m_backupRunning = false;
+}
+
+bool CVexaFileDlg::IsOwnBackupOutcome(const std::wstring& text) const {
+    if (!m_backupRunning)
+        return false;
+    if (VexaBackup::Classify(kSensorEventBackup, text) != VexaBackup::Notification::ArchiveReady)
+        return true; // "aborted" ends the backup that runs
+    bool newer = true;
+    // An archive that cannot be described is taken: the fetch then says what is wrong with it.
+    VexaBackup::IsArchiveSince(m_remotePane.Host(), text, m_backupSince, &newer);
+    return newer;
 }
 
 void CVexaFileDlg::EndBackupWindow() {

@@ -121,11 +121,19 @@ int StartDetachedProgram(const std::wstring& program, const std::vector<std::wst
     return Spawn(program, arguments);
 }
 
-int ShellOpen(const std::wstring& path) {
+std::wstring DocumentOpener() {
+    const std::wstring opener = CPXRegistry::Instance().GetString(kProgramsSection, L"Opener", L"");
+    return opener.empty() ? DefaultOpener() : opener;
+}
+
+int ShellOpen(const std::wstring& path, int* openerError) {
     if (path.empty() || !PathAccessible(path, 0))
         return kProgramNotFound;
-    std::wstring opener = CPXRegistry::Instance().GetString(kProgramsSection, L"Opener", L"");
-    return StartDetachedProgram(opener.empty() ? DefaultOpener() : opener, {path});
+    const int error = StartDetachedProgram(DocumentOpener(), {path});
+    if (openerError)
+        *openerError = error;
+    // The page is there: a failure is the opener's, never "file not found".
+    return error == 0 ? 0 : kNoOpener;
 }
 
 bool NistSwitch(bool /*flag*/) {

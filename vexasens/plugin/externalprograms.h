@@ -6,13 +6,17 @@
 #include <vector>
 
 inline constexpr int kProgramNotFound = 2;
+// The document exists but no program could be started to open it (the platform's "no association").
+inline constexpr int kNoOpener = 31;
 
 // Starts `program` with `arguments`, detached from this process; 0 when it started, else the error.
 int StartDetachedProgram(const std::wstring& program, const std::vector<std::wstring>& arguments);
 
 // Opens a document with the desktop's default program ("open" verb): 0 on success, 2 when the file
-// does not exist, another number when the opener could not be started.
-int ShellOpen(const std::wstring& path);
+// does not exist, kNoOpener when the opener could not be started (*openerError, when given, says why).
+int ShellOpen(const std::wstring& path, int* openerError = nullptr);
+// The program that opens documents: the setting Programs/Opener, else the desktop's.
+std::wstring DocumentOpener();
 
 // Start the NIST and AMDIS programs. When none is configured, or it cannot be started, the operator is
 // told so through the tools' user interface and the result is false. NistSwitch's flag is the host's

@@ -191,7 +191,8 @@ void VEXASensorInfo::OpenSafetyDatabase() {
     PXResourceScope scope(VexaResourceModule());
     CPXRegistry& registry = CPXRegistry::Instance();
     std::wstring path = registry.GetString(kSafetySection, kSafetyValue, DefaultSafetyPage());
-    int result = ShellOpen(path);
+    int openerError = 0;
+    int result = ShellOpen(path, &openerError);
     for (int attempt = 0; result == kProgramNotFound; ++attempt) {
         std::wstring chosen;
         if (attempt == kMaxSafetyPageAttempts ||
@@ -199,11 +200,19 @@ void VEXASensorInfo::OpenSafetyDatabase() {
                                                 &chosen))
             return;
         path = chosen;
-        result = ShellOpen(path);
+        result = ShellOpen(path, &openerError);
     }
-    if (result != 0)
+    if (result == kNoOpener) {
+        // The page exists: asking for another one would not help.
+        const std::wstring setting = L"Programs/Opener";
+        const std::wstring file = FromUtf8(registry.Path());
+        VexaToolUserInterface().ShowMessage(PXFormatMessage(
+            PXLoadCString(IDS_SAFETY_DB_NO_OPENER).c_str(), path.c_str(), DocumentOpener().c_str(),
+            DescribeError(openerError).c_str(), setting.c_str(), file.c_str()));
+    } else if (result != 0) {
         VexaToolUserInterface().ShowMessage(PXFormatMessage(PXLoadCString(IDS_SAFETY_DB_OPEN_FAILED).c_str(),
                                                             path.c_str(), DescribeError(result).c_str()));
+    }
     registry.SetString(kSafetySection, kSafetyValue, path);
 }
 

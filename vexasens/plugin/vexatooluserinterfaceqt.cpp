@@ -7,6 +7,7 @@
 #include "remotename.h"
 #include "resource.h"
 #include "stringtable.h"
+#include "systemaccess.h"
 #include "vexamethodlistdlg.h"
 #include "vexamethodwizard.h"
 #include "vexasensorobject.h"
@@ -39,6 +40,7 @@ ToolUserInterfaceRegistration g_registration;
 
 constexpr int kMethodFolderKind = 1;
 constexpr uint32_t kSelectSave = 0x1;
+constexpr uint32_t kSelectPcOnly = 0x10;
 constexpr uint32_t kSelectCancelText = 0x40;
 
 // The sensor whose file selection dialog saves `fileName`: the one serving its host, else the first
@@ -65,8 +67,11 @@ bool ChooseMethodSaveName(const std::wstring& current, const std::wstring& exten
     if (!sensor)
         return ChooseLocalSaveName(current, extension, chosen);
     PXResourceScope scope(VexaResourceModule());
-    const std::wstring name = sensor->SelectFile(kMethodFolderKind, current, kSelectSave | kSelectCancelText,
-                                                 L"", PXLoadCString(IDS_FILTER_METHOD), extension);
+    // Without level 1 the instrument's methods cannot be changed: its side is not offered.
+    const uint32_t side = CSystemAccess::Accessible(1) ? 0 : kSelectPcOnly;
+    const std::wstring name =
+        sensor->SelectFile(kMethodFolderKind, current, kSelectSave | kSelectCancelText | side, L"",
+                           PXLoadCString(IDS_FILTER_METHOD), extension);
     if (name.empty() || name == L"Cancel")
         return false;
     *chosen = name;

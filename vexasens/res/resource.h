@@ -56,6 +56,7 @@
 #define IDS_PROGRAM_NOT_CONFIGURED 10360
 #define IDS_PROGRAM_START_FAILED 10361
 #define IDS_SAFETY_DB_OPEN_FAILED 10362
+#define IDS_SAFETY_DB_NO_OPENER 10363
 
 // ---- string table: the Manage Files dialog's own texts ----
 #define IDS_UNABLE_OPEN_LOCAL_FOLDER 10380
@@ -83,6 +84,12 @@
 #define IDS_TUNE_FILE_SAVE_FAILED 10433
 #define IDS_TUNE_MANUAL_FAILED 10434
 #define IDS_TUNE_PRINT_FAILED 10435
+#define IDS_TUNE_REPORT_PARTLY_UNREADABLE 10436
+
+// ---- string table: the default-methods dialog's own texts ----
+#define IDS_DEFAULT_METHODS_TITLE 10450
+#define IDS_DEFAULT_METHODS_FOLDER_FAILED 10451
+#define IDS_DEFAULT_METHODS_PROBLEMS 10452
 
 // ---- string table: the file selection dialog's own texts ----
 #define IDS_SELECT_ERROR_DETAIL 10410

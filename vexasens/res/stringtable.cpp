@@ -60,6 +60,9 @@ const PXStringEntry kStrings[] = {
      L"No %1!s! program is configured. Set the value %2!s! in the settings file %3!s!."},
     {IDS_PROGRAM_START_FAILED, L"Could not start %1!s! (%2!s!): error %3!s!."},
     {IDS_SAFETY_DB_OPEN_FAILED, L"Could not open the safety database page %1!s!: error %2!s!."},
+    {IDS_SAFETY_DB_NO_OPENER,
+     L"No program could open the safety database page %1!s!: the program that opens pages (%2!s!) did not "
+     L"start, error %3!s!. Set the value %4!s! in the settings file %5!s!."},
 
     {IDS_UNABLE_OPEN_LOCAL_FOLDER, L"Unable to open local folder %s"},
     {IDS_UNABLE_OPEN_REMOTE_FOLDER, L"Unable to open remote folder %s"},
@@ -85,6 +88,13 @@ const PXStringEntry kStrings[] = {
     {IDS_TUNE_FILE_SAVE_FAILED, L"The tune file could not be saved. %1!s!"},
     {IDS_TUNE_MANUAL_FAILED, L"The instrument did not take %1!s! as its tune file: error %2!s!."},
     {IDS_TUNE_PRINT_FAILED, L"The report could not be printed."},
+    {IDS_TUNE_REPORT_PARTLY_UNREADABLE,
+     L"Some parts of %1!s! cannot be read and are not listed: %2!s!. They stay in the file."},
+
+    {IDS_DEFAULT_METHODS_TITLE, L"Default Methods"},
+    {IDS_DEFAULT_METHODS_FOLDER_FAILED,
+     L"The default methods folder %1!s! cannot be created; no default method can be installed."},
+    {IDS_DEFAULT_METHODS_PROBLEMS, L"Some default methods could not be read or installed:"},
     {IDS_INVALID_NAME, L"\"%1!s!\" cannot be the name of a file or folder: %2!s!."},
 
     // The file selection dialog's own texts (1041x), also this module's additions.

@@ -1,5 +1,5 @@
 // vexa backup end to end against the simulator: the fetched archive, and the exit codes of a backup
-// that succeeds, is aborted or never ends.
+// that succeeds, is aborted or never ends, and one that follows another backup's outcome.
 #include "processrun.h"
 #include "simulatedinstrument.h"
 #include "tempdir.h"
@@ -8,7 +8,11 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -65,4 +69,50 @@ TEST_F(CliBackup, AbortRefusalAndTimeOutExitOneAndFetchNothing) {
         EXPECT_NE(r.err.find("10060"), std::string::npos) << r.err;
     }
     EXPECT_TRUE(fs::is_empty(m_pc.path()));
+}
+
+// The notifications are one queue for every client: a backup must act on its own outcome only, never
+// on one an earlier refused or interrupted backup left queued, nor fetch the archive that was there.
+TEST_F(CliBackup, TakesOnlyItsOwnBackupsOutcome) {
+    const std::string archive = m_instrument.tree().createFile("Backup/vexaron-0427_backup.tgz", "old");
+    fs::last_write_time(archive, fs::file_time_type::clock::now() - std::chrono::hours(24 * 400));
+    m_instrument.tree().createFile("Data/run 1.vxs", "a name with a blank");
+    m_instrument.start({"--fault", "backup-slow=800"});
+    const auto holds = [&](const std::string& file, const std::function<bool(const std::string&)>& wanted) {
+        const TgzContents contents = ReadTgz(file);
+        EXPECT_TRUE(contents.ok) << file;
+        std::map<std::string, std::string> expected;
+        for (const auto& [name, content] : FilesBelow(root()))
+            if (wanted(name))
+                expected[name] = content;
+        EXPECT_EQ(contents.files, expected) << file;
+    };
+    {
+        SCOPED_TRACE("after a refused start");
+        EXPECT_EQ(RunVexa({"backup", m_instrument.address(), "/Data/none.vxs"}).exitCode, 1);
+        const std::string target = m_pc.file("after-refusal.tgz");
+        const ProcessResult r =
+            RunVexa({"backup", m_instrument.address(), "-o", target, "/Tune", "/Data/run 1.vxs"});
+        ASSERT_EQ(r.exitCode, 0) << r.err;
+        holds(target,
+              [](const std::string& name) { return name.starts_with("Tune/") || name == "Data/run 1.vxs"; });
+    }
+    {
+        SCOPED_TRACE("after an interrupted run whose backup finished unseen");
+        const char* cli = std::getenv("VEXA_CLI");
+        ASSERT_NE(cli, nullptr);
+        const ProcessResult interrupted = RunProcess(
+            "/usr/bin/timeout", {"--preserve-status", "-s", "INT", "2", cli, "backup", m_instrument.address(),
+                                 "-o", m_pc.file("interrupted.tgz"), "/Data"});
+        EXPECT_EQ(interrupted.exitCode, 1) << interrupted.err;
+        EXPECT_NE(interrupted.err.find("interrupted"), std::string::npos) << interrupted.err;
+        // Its archive is written and its notification waits in the queue.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!ReadTgz(archive).files.count("Data/big.vxs") && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const std::string target = m_pc.file("after-interrupt.tgz");
+        const ProcessResult r = RunVexa({"backup", m_instrument.address(), "-o", target, "/Method"});
+        ASSERT_EQ(r.exitCode, 0) << r.err;
+        holds(target, [](const std::string& name) { return name.starts_with("Method/"); });
+    }
 }

@@ -124,4 +124,15 @@ TEST(MethodShowCommand, PrintsMethodsAndNamesTheFileThatIsNone) {
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find(sequence + ": not a valid method"), std::string::npos) << r.err;
     EXPECT_NE(r.out.find("Fast screening"), std::string::npos) << "the valid one is still shown";
+
+    // A method without its collection mode and programme (another editor's) is shown, with what it
+    // lacks named as not set and the run time from its event table.
+    instrument.tree().createFile("Method/Partial.mth", R"({"format": "VexaMethod", "version": 1,
+        "description": "partial", "model": 1, "accessory": 0, "methodMode": 1, "concentrator": 0,
+        "events": [{"time": 0, "valveState": 6}, {"time": 90000, "valveState": 12}]})");
+    r = RunVexa({"method", "show", instrument.remote("/Method/Partial.mth")});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_NE(r.out.find("collection mode:     not set"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("run time (M:S):      1:30"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("not set:             scanMode, gc.initialTemp"), std::string::npos) << r.out;
 }

@@ -8,6 +8,7 @@
 #include "resource.h"
 #include "sensornotifyevent.h"
 #include "tgzcontents.h"
+#include "vexadevice.h"
 #include "vexafiledlg.h"
 #include "vexasensorobject.h"
 
@@ -15,6 +16,7 @@
 #include <QScreen>
 #include <QTimer>
 
+#include <chrono>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -163,7 +165,7 @@ TEST_F(BackupFromManageFiles, NoStartsNothingAndAnAbortedBackupFetchesNothing) {
     EXPECT_TRUE(fs::is_empty(PcFolder()));
 }
 
-TEST_F(BackupFromManageFiles, OnlyATextNamingABackupArchiveStartsTheSaveQuestion) {
+TEST_F(BackupFromManageFiles, ANotificationOutsideItsOwnBackupOnlyRefreshes) {
     StartInstrument();
     CVexaFileDlg& dialog = OpenDialog();
     SaveAnswer save(L"");
@@ -174,7 +176,7 @@ TEST_F(BackupFromManageFiles, OnlyATextNamingABackupArchiveStartsTheSaveQuestion
     } cases[] = {{kSensorEventBackup, L"backup.tgz", 0},
                  {kSensorEventBackup, L"aborted", 0},
                  {0, L"x_backup.tgz", 0},
-                 {kSensorEventBackup, L"x_backup.tgz", 1}};
+                 {kSensorEventBackup, L"x_backup.tgz", 0}}; // no backup of this dialog runs
     for (const auto& c : cases) {
         m_temp.createFile("pc/appeared.txt", "x");
         CSensorNotifyEvent event(CSensorNotifyEvent::kDefaultType, ISensorEvent{c.code, c.text, L""});
@@ -222,4 +224,33 @@ TEST_F(BackupFromManageFiles, Screenshot) {
         EXPECT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).save(QString::fromLocal8Bit(target)));
     });
     RunBackup(dialog, true);
+}
+
+// The instrument's notifications are one queue for every client: the dialog's backup acts on its own
+// outcome only, not on what a refused start or another client's finished backup left queued, and
+// never fetches the archive that was there before.
+TEST_F(BackupFromManageFiles, TakesOnlyItsOwnBackupsOutcome) {
+    const std::string archive = InstrumentPath(kArchive);
+    m_instrument.tree().createFile(kArchive, "an old archive");
+    fs::last_write_time(archive, fs::file_time_type::clock::now() - std::chrono::hours(24 * 400));
+    StartInstrument({"--fault", "backup-slow=300"});
+    CVexaFileDlg& dialog = OpenDialog();
+    VexaDevice device(m_instrument.sensor()->GetDevice(L"VEXA"));
+    EXPECT_FALSE(device.runBackup(L"/Data/none.vxs"));
+    ASSERT_TRUE(device.runBackup(L"/Data"));
+    ASSERT_TRUE(WaitFor([&] { return ReadTgz(archive).files.count("Data/run1.vxs") > 0; }, 20000));
+
+    StartSensorTimer();
+    Select(dialog.View(CVexaFileDlg::kRemotePane), {L"Method"});
+    dialog.UpdateButtons(CVexaFileDlg::kRemotePane, true);
+    SaveAnswer save(Wide(PcPath("mine.tgz")));
+    RunBackup(dialog, false);
+    EXPECT_EQ(save.asked, 1);
+    const TgzContents mine = ReadTgz(PcPath("mine.tgz"));
+    ASSERT_TRUE(mine.ok);
+    std::map<std::string, std::string> expected;
+    for (const auto& [name, content] : InstrumentFiles())
+        if (name.starts_with("Method/"))
+            expected[name] = content;
+    EXPECT_EQ(mine.files, expected);
 }

@@ -20,6 +20,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 
 namespace {
 
@@ -377,6 +378,51 @@ TEST_F(FileManagerTest, IdleInstrumentEnablesBackupAllWhichAsksFirst) {
     const auto questions = m_prompt.Asked(ScriptedPrompt::Kind::YesNo);
     ASSERT_EQ(questions.size(), 1u);
     EXPECT_EQ(questions[0].caption, L"Backup");
+}
+
+// Refused commands are shown disabled: each instrument command is enabled only when it can act.
+TEST_F(FileManagerTest, InstrumentCommandsAreEnabledOnlyWhenTheyCanAct) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument();
+    CVexaFileDlg& dialog = OpenDialog();
+    CPXExplorerCtrl* pc = dialog.View(CVexaFileDlg::kLocalPane);
+    CPXExplorerCtrl* instrument = dialog.View(CVexaFileDlg::kRemotePane);
+    const auto selectIn = [&](int pane, CPXExplorerCtrl* view, const std::vector<std::wstring>& names) {
+        if (names.empty())
+            view->ClearSelection();
+        else
+            Select(view, names);
+        dialog.UpdateButtons(pane, true);
+    };
+    const auto goOffline = [&] {
+        m_instrument.sim().stop();
+        m_instrument.sensor()->Disconnect(0);
+        ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
+        selectIn(CVexaFileDlg::kLocalPane, pc, {L"a.txt"});
+    };
+    const struct {
+        const char* state;
+        std::function<void()> reach;
+        bool backup, backupAll, newFolder, copyToInstrument;
+    } rows[] = {
+        {"on line, nothing selected", [] {}, false, true, true, false},
+        {"an instrument entry selected", [&] { selectIn(CVexaFileDlg::kRemotePane, instrument, {L"Data"}); },
+         true, true, true, false},
+        {"a PC file selected", [&] { selectIn(CVexaFileDlg::kLocalPane, pc, {L"a.txt"}); }, true, true, true,
+         true},
+        {"the instrument selection cleared", [&] { selectIn(CVexaFileDlg::kRemotePane, instrument, {}); },
+         false, true, true, true},
+        {"off line, a PC file selected", goOffline, false, false, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.state);
+        row.reach();
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_BACKUP)->isEnabled(), row.backup);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled(), row.backupAll);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_NEW_FOLDER)->isEnabled(), row.newFolder);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled(), row.copyToInstrument);
+    }
+    EXPECT_TRUE(m_prompt.Asked().empty());
 }
 
 TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {

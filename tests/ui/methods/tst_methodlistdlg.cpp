@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace {
 
 VexaMethodSequence Load(const std::wstring& name) {
@@ -76,4 +78,41 @@ TEST(MethodListDlgTest, StepsAddedReorderedSavedAndReloaded) {
     EXPECT_EQ(steps->rowCount(), 1);
     EXPECT_TRUE(dialog.Save());
     EXPECT_EQ(Load(path).GetNumSteps(), 1);
+}
+
+// Saving on the instrument changes its methods (level 1), and the instrument reaches its own files only.
+TEST(MethodListDlgTest, SavingOnTheInstrumentNeedsLevelOneAndItsOwnMethods) {
+    ScriptedPrompt prompt;
+    const std::wstring target = L"@127.0.0.9:/Method/Site.xmth";
+    VexaMethodSequence sequence;
+    sequence.SetSteps(
+        {{L"@127.0.0.9:/Method/A.mth", 1}, {L"/pc/B.mth", 2}, {L"@127.0.0.8:/Method/C.mth", 1}});
+    CVexaMethodListDlg dialog(sequence, L"");
+    dialog.SetSaveNameChooser([&](const std::wstring&, const std::wstring&, std::wstring* chosen) {
+        *chosen = target;
+        return true;
+    });
+    dialog.show();
+    const struct {
+        const char* levels;
+        std::vector<std::wstring> named;
+    } cases[] = {
+        {"0", {L"access level 1"}},
+        {"0,1",
+         {L"Step 2: the instrument cannot reach /pc/B.mth",
+          L"Step 3: the instrument cannot reach @127.0.0.8"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.levels);
+        ::setenv("VEXA_ACCESS", c.levels, 1);
+        prompt.ClearAsked();
+        EXPECT_FALSE(dialog.SaveAs());
+        const auto messages = prompt.Asked(ScriptedPrompt::Kind::Message);
+        ASSERT_EQ(messages.size(), 1u);
+        for (const std::wstring& part : c.named)
+            EXPECT_NE(messages[0].text.find(part), std::wstring::npos) << ToUtf8(messages[0].text);
+        EXPECT_EQ(messages[0].text.find(L"Step 1"), std::wstring::npos)
+            << "the instrument's own method is fine";
+    }
+    ::unsetenv("VEXA_ACCESS");
 }

@@ -164,3 +164,48 @@ TEST_F(MethodWizardTest, ClosingWithUnsavedChangesAsksFirst) {
     ASSERT_EQ(asked.size(), 2u);
     EXPECT_EQ(asked[0].text, L"The method has changes that are not saved. Close without saving?");
 }
+
+// A method without its programme (a survey method, another editor's file) opens with those settings
+// shown as not set; closing it untouched asks nothing, and saving names what must be set first.
+TEST_F(MethodWizardTest, APartialMethodShowsNotSetAndSavingNamesIt) {
+    VexaFileRef file;
+    ASSERT_TRUE(file.Open(m_path));
+    nlohmann::json document = file.Document();
+    document.erase("gc");
+    document.erase("scanMode");
+    file.SetDocument(document);
+    ASSERT_TRUE(file.Save());
+    auto wizard = Open();
+    EXPECT_EQ(Control<QSpinBox>(*wizard, IDC_VMW_RATE)->text(), "not set");
+    EXPECT_EQ(Control<QComboBox>(*wizard, IDC_VMW_SCAN_MODE)->currentText(), "not set");
+    EXPECT_NE(Control<QSpinBox>(*wizard, IDC_VMW_MASS_LOW)->text(), "not set");
+    EXPECT_EQ(Control<QLabel>(*wizard, IDC_VMW_RUN_TIME)->text(), "Run Time (M:S): 12:00");
+
+    const std::string before = ReadWholeFile(ToUtf8(m_path));
+    EXPECT_FALSE(wizard->Save());
+    const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
+    ASSERT_EQ(messages.size(), 1u);
+    for (const wchar_t* named : {L"Rate (°C/min) is not set.", L"Collection mode is not set."})
+        EXPECT_NE(messages[0].text.find(named), std::wstring::npos) << ToUtf8(messages[0].text);
+    EXPECT_EQ(ReadWholeFile(ToUtf8(m_path)), before);
+
+    wizard->reject();
+    EXPECT_FALSE(wizard->isVisible()) << "nothing was changed: no question";
+    EXPECT_TRUE(m_prompt.Asked(ScriptedPrompt::Kind::YesNo).empty());
+}
+
+// A default method's editor is titled by the method's name until it is saved under another file.
+TEST_F(MethodWizardTest, AGivenTitleStandsUntilSavedElsewhere) {
+    auto wizard = Open();
+    wizard->SetTitle(L"Default");
+    EXPECT_EQ(wizard->windowTitle(), "Default");
+    ASSERT_TRUE(wizard->Save());
+    EXPECT_EQ(wizard->windowTitle(), "Default");
+    const std::wstring other = FromUtf8(m_dir.file("Other.mth"));
+    wizard->SetSaveNameChooser([&](const std::wstring&, const std::wstring&, std::wstring* chosen) {
+        *chosen = other;
+        return true;
+    });
+    ASSERT_TRUE(wizard->SaveAs());
+    EXPECT_EQ(wizard->windowTitle().toStdWString(), L"Method Editor - " + other);
+}

@@ -5,13 +5,17 @@
 #include "instrumenteditordialog.h"
 #include "instrumentstore.h"
 #include "managedinstrument.h"
+#include "scriptedprompt.h"
 #include "sensormanager.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+
+#include <cstdlib>
 
 namespace {
 struct EditorCase {
@@ -102,4 +106,37 @@ TEST_F(StudioTest, InstrumentsAddedAndEditedInTheWindowAreSavedWithTheGeometry) 
     EXPECT_EQ(again.size(), QSize(900, 640));
     ASSERT_EQ(again.Sensors().Count(), 1);
     EXPECT_EQ(again.Sensors().At(0)->Config().name, "Lab unit 2");
+}
+
+// The PC folder of an instrument follows its name: a rename moves the files, into a folder that is
+// already there only after Yes, and never over what that folder holds.
+TEST_F(StudioTest, RenamingAnInstrumentMovesItsFolder) {
+    ::setenv("VEXA_DATA_ROOT", m_temp.file("data").c_str(), 1);
+    ScriptedPrompt prompt;
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    QStringList refusals;
+    AnswerEditor("Lab unit", "127.0.0.11", &refusals);
+    window.AddInstrument();
+    m_temp.createFile("data/Lab unit/Backup/site.tgz", "archive");
+    m_temp.createFile("data/Lab unit/Method/a.mth", "lab a");
+
+    AnswerEditor("Field unit", "127.0.0.11", &refusals);
+    window.EditInstrument();
+    EXPECT_EQ(ReadWholeFile(m_temp.file("data/Field unit/Backup/site.tgz")), "archive");
+    EXPECT_FALSE(QFileInfo::exists(SensorManager::SensorFolder("Lab unit")));
+    EXPECT_TRUE(LogText().contains("Moved the files of Lab unit")) << LogText().toStdString();
+    EXPECT_TRUE(prompt.Asked().empty());
+
+    m_temp.createFile("data/Site unit/Method/a.mth", "site a");
+    for (const int answer : {IDNO, IDYES}) {
+        prompt.QueueYesNo(answer);
+        AnswerEditor("Site unit", "127.0.0.11", &refusals);
+        window.EditInstrument();
+        EXPECT_EQ(window.Sensors().At(0)->Config().name, answer == IDYES ? "Site unit" : "Field unit");
+    }
+    EXPECT_EQ(prompt.Asked(ScriptedPrompt::Kind::YesNo).size(), 2u);
+    EXPECT_EQ(ReadWholeFile(m_temp.file("data/Site unit/Backup/site.tgz")), "archive");
+    EXPECT_EQ(ReadWholeFile(m_temp.file("data/Site unit/Method/a.mth")), "site a");
+    EXPECT_EQ(ReadWholeFile(m_temp.file("data/Field unit/Method/a.mth")), "lab a") << "kept, not overwritten";
+    ::unsetenv("VEXA_DATA_ROOT");
 }

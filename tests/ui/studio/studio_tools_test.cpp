@@ -1,19 +1,25 @@
 // What each of the sensor type's tools does in the studio.
 #include "studiofixture.h"
 
+#include "datareviewwindow.h"
 #include "demotree.h"
 #include "dialog.h"
 #include "logpane.h"
 #include "loopback.h"
 #include "managedinstrument.h"
+#include "remotename.h"
+#include "runreviewpage.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
 #include "simulator.h"
 #include "statuspanel.h"
 #include "tempdir.h"
 #include "toollist.h"
+#include "vexadatafile.h"
+#include "vexarun.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QTableView>
 #include <QTest>
 #include <QTreeWidget>
@@ -79,6 +85,23 @@ TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
         EXPECT_TRUE(LogText().contains(c.logged)) << LogText().toStdString();
         EXPECT_TRUE(Messages(prompt).isEmpty());
     }
+    // Data Review copied the instrument's file into the sensor's data folder and shows it from there.
+    ASSERT_NE(window.DataReview(), nullptr);
+    ASSERT_EQ(window.DataReview()->PageCount(), 1);
+    const RunReviewPage& page = *window.DataReview()->Page(0);
+    EXPECT_EQ(page.SourceName(), L"@" + address.toStdWString() + L":/Data/run1.vxs");
+    const QString copy = QString::fromStdWString(page.FileName());
+    EXPECT_TRUE(copy.endsWith("/Data/run1.vxs")) << copy.toStdString();
+    EXPECT_FALSE(IsRemoteFilename(page.FileName()));
+    QFile copied(copy);
+    QFile original(QString::fromStdString(m_temp.file("demo")) + "/Data/run1.vxs");
+    ASSERT_TRUE(copied.open(QIODevice::ReadOnly) && original.open(QIODevice::ReadOnly));
+    EXPECT_EQ(copied.readAll(), original.readAll());
+    VexaRun run;
+    std::string reason;
+    ASSERT_TRUE(VexaDataFile::LoadRun(original.fileName().toStdWString(), &run, &reason)) << reason;
+    EXPECT_EQ(page.Run().ScanCount(), run.ScanCount());
+
     // Cancelled: said in the log, nothing else.
     ScriptedPrompt prompt;
     window.RunTool(ToolRow(window, "Run Method"));

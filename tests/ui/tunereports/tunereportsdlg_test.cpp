@@ -272,6 +272,17 @@ TEST_F(TuneReportsDialogTest, MissingOrDamagedReportFileLeavesTheListEmpty) {
     }
 }
 
+TEST_F(TuneReportsDialogTest, APartlyReadableFileListsWhatReadsAndNamesTheRest) {
+    m_temp.createFile("Tune/Reports/Default.rpt", R"({"format": "VexaTuneReport", "version": 1,
+        "reports": [{"time": 1795426209123456, "tune": {}, "results": {}}, {"tune": {}}]})");
+    auto dialog = Open();
+    EXPECT_TRUE(dialog->IsReportOpen());
+    EXPECT_EQ(List(*dialog)->count(), 1);
+    const auto messages = m_prompt.Asked(ScriptedPrompt::Kind::Message);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].text.find(L"reports[2]"), std::wstring::npos);
+}
+
 TEST_F(TuneReportsDialogTest, FailedSaveKeepsTheFileAndSaysWhy) {
     WriteReports({kNov20, kNov21});
     const std::string before = ReadWholeFile(m_temp.file("Tune/Reports/Default.rpt"));
@@ -326,6 +337,15 @@ TEST_F(TuneReportsDialogTest, SaveTuneFileAsksTheSensorAndSetsTheManualTune) {
     EXPECT_EQ(tune.GetTuneSection().repeller, 2.1); // report 1's settings
     EXPECT_EQ(tune.GetTuneSection().masses.size(), 1u);
     EXPECT_EQ(m_sensor.channel->commands, std::vector<std::wstring>({L"tune manual 3 " + FromNarrow(saved)}));
+
+    // Off line the file is saved on the PC and the instrument, not asked, refused nothing.
+    m_sensor.channel->Close();
+    const std::string third = m_temp.file("Tune/Third.tun");
+    m_sensor.answer = FromNarrow(third);
+    ASSERT_TRUE(dialog->PressButton(IDC_TUNE_SAVE_TUNE));
+    EXPECT_TRUE(tune.Parse(ReadWholeFile(third)));
+    EXPECT_EQ(m_sensor.channel->commands.size(), 1u);
+    EXPECT_TRUE(m_prompt.Asked(ScriptedPrompt::Kind::Message).empty());
 }
 
 TEST_F(TuneReportsDialogTest, PrintsTheReportOrNothingWhenCancelled) {

@@ -149,4 +149,26 @@ TEST(VexaMethodSequenceFile, RoundTripAndChecks) {
     VexaFileRef method;
     ASSERT_TRUE(VexaMethod().Save(method, W(dir.file("m.mth"))));
     EXPECT_FALSE(VexaMethodSequence(method).IsValid()) << "a method is not a sequence";
+
+    // Partial sequences read, name what is not set, and are refused on saving.
+    const struct {
+        const char* text;
+        std::vector<std::wstring> unset;
+        int steps;
+    } partial[] = {
+        {R"({"format":"VexaMethodSequence","version":1})", {L"steps"}, 0},
+        {R"({"format":"VexaMethodSequence","version":1,"steps":[{"method":"a.mth"},{"method":7,"repeat":2}]})",
+         {L"steps[1].repeat", L"steps[2].method"},
+         2},
+    };
+    for (const auto& c : partial) {
+        SCOPED_TRACE(c.text);
+        VexaFileRef ref;
+        ASSERT_TRUE(ref.Open(W(dir.createFile("p.xmth", c.text))));
+        const VexaMethodSequence read(ref);
+        EXPECT_TRUE(read.IsValid());
+        EXPECT_EQ(read.GetUnsetSettings(), c.unset);
+        EXPECT_EQ(read.GetNumSteps(), c.steps);
+        EXPECT_FALSE(read.CheckSettings().empty());
+    }
 }

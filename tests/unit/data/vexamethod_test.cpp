@@ -79,7 +79,16 @@ TEST(VexaMethodEquality, ComparesContentNotText) {
     EXPECT_FALSE(a == changed);
 }
 
-TEST(VexaMethodValidity, RejectsWhatItCannotRead) {
+namespace {
+
+std::string Replace(std::string text, const std::string& from, const std::string& to) {
+    text.replace(text.find(from), from.size(), to);
+    return text;
+}
+
+} // namespace
+
+TEST(VexaMethodValidity, RejectsOnlyAnotherFormatOrANewerVersion) {
     struct Case {
         const char* what;
         std::string text;
@@ -87,27 +96,16 @@ TEST(VexaMethodValidity, RejectsWhatItCannotRead) {
     };
     std::string truncated = kValidMethod;
     truncated.resize(truncated.size() / 2);
-    const auto replace = [](std::string text, const std::string& from, const std::string& to) {
-        text.replace(text.find(from), from.size(), to);
-        return text;
-    };
     const Case cases[] = {
         {"empty file", "", false},
         {"truncated JSON", truncated, false},
         {"not JSON", "method: default\n", false},
         {"a JSON array", "[1,2]", false},
-        {"another format", replace(kValidMethod, "\"VexaMethod\"", "\"VexaTune\""), true},
-        {"no format", replace(kValidMethod, "\"format\":\"VexaMethod\",", ""), true},
-        {"a newer version", replace(kValidMethod, "\"version\":1", "\"version\":2"), true},
-        {"version zero", replace(kValidMethod, "\"version\":1", "\"version\":0"), true},
-        {"version as text", replace(kValidMethod, "\"version\":1", "\"version\":\"1\""), true},
-        {"a time that is not an integer", replace(kValidMethod, "\"time\":0", "\"time\":0.5"), true},
-        {"an event without a valve state", replace(kValidMethod, ",\"valveState\":6", ""), true},
-        {"events not a list", replace(kValidMethod, "\"events\":[", "\"events\":{\"x\":[") + "}", true},
-        {"no gc programme", replace(kValidMethod, "\"gc\":", "\"gcx\":"), true},
-        {"a mass as text", replace(kValidMethod, "\"massLow\":40", "\"massLow\":\"40\""), true},
-        {"description not text", replace(kValidMethod, "\"description\":\"d\"", "\"description\":7"), true},
-        {"a SIM ion not an integer", replace(kValidMethod, "\"simIons\":[]", "\"simIons\":[69.5]"), true},
+        {"another format", Replace(kValidMethod, "\"VexaMethod\"", "\"VexaTune\""), true},
+        {"no format", Replace(kValidMethod, "\"format\":\"VexaMethod\",", ""), true},
+        {"a newer version", Replace(kValidMethod, "\"version\":1", "\"version\":2"), true},
+        {"version zero", Replace(kValidMethod, "\"version\":1", "\"version\":0"), true},
+        {"version as text", Replace(kValidMethod, "\"version\":1", "\"version\":\"1\""), true},
     };
     TempDir dir;
     for (const Case& c : cases) {
@@ -120,6 +118,62 @@ TEST(VexaMethodValidity, RejectsWhatItCannotRead) {
         EXPECT_GE(method.GetNumEvents(), 0) << c.what;
         method.GetRunTimeSeconds();
         method.getMassRange();
+    }
+}
+
+// A partial method (a survey method, one of an older or newer editor) is read: what is missing or
+// malformed is named as not set, the rest and the run time still read, and saving refuses it.
+TEST(VexaMethodValidity, ReadsAPartialMethodAndNamesWhatIsNotSet) {
+    struct Case {
+        const char* what;
+        std::string text;
+        std::vector<std::wstring> unset;
+        int64_t runTime;
+    };
+    const Case cases[] = {
+        {"the whole method", kValidMethod, {}, 720},
+        {"no gc programme",
+         Replace(kValidMethod, "\"gc\":", "\"gcx\":"),
+         {L"gc.initialTemp", L"gc.initialHold", L"gc.rate", L"gc.finalTemp", L"gc.finalHold"},
+         720},
+        {"no ms section",
+         Replace(kValidMethod, "\"ms\":{\"massLow\":40,\"massHigh\":300,\"simIons\":[]},", ""),
+         {L"ms.massLow", L"ms.massHigh"},
+         720},
+        {"a time that is not an integer",
+         Replace(kValidMethod, "\"time\":0", "\"time\":0.5"),
+         {L"events"},
+         720},
+        {"an event without a valve state", Replace(kValidMethod, ",\"valveState\":6", ""), {L"events"}, 720},
+        {"events not a list",
+         Replace(kValidMethod, "\"events\":[", "\"events\":{\"x\":[") + "}",
+         {L"events"},
+         0},
+        {"a mass as text",
+         Replace(kValidMethod, "\"massLow\":40", "\"massLow\":\"40\""),
+         {L"ms.massLow"},
+         720},
+        {"description not text",
+         Replace(kValidMethod, "\"description\":\"d\"", "\"description\":7"),
+         {L"description"},
+         720},
+        {"a SIM ion not an integer",
+         Replace(kValidMethod, "\"simIons\":[]", "\"simIons\":[69.5]"),
+         {L"ms.simIons"},
+         720},
+    };
+    TempDir dir;
+    for (const Case& c : cases) {
+        bool opened = false;
+        const VexaMethod method = MethodFromText(dir, c.text, &opened);
+        ASSERT_TRUE(opened) << c.what;
+        EXPECT_TRUE(method.IsValid()) << c.what << ": " << ToUtf8(method.GetInvalidReason());
+        EXPECT_EQ(method.GetUnsetSettings(), c.unset) << c.what;
+        EXPECT_EQ(method.GetRunTimeSeconds(), c.runTime) << c.what;
+        EXPECT_EQ(method.getConcentrator(), 1) << c.what << ": the settings that are there still read";
+        EXPECT_EQ(method.CheckSettings().empty(), c.unset.empty()) << c.what;
+        for (const std::wstring& name : c.unset)
+            EXPECT_FALSE(method.IsSet(name)) << c.what;
     }
 }
 

@@ -9,6 +9,7 @@
 #include <zlib.h>
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <thread>
 
@@ -291,6 +292,45 @@ TEST(LinkFolderCommands, GetFileInfoFillsTheEntryAndThePreview) {
     EXPECT_TRUE(linked.impl->GetFileInfo(L"/x", &entry, nullptr, nullptr));
     EXPECT_FALSE(linked.impl->GetFileInfo(L"", &entry, nullptr, nullptr));
     EXPECT_FALSE(linked.impl->GetFileInfo(L"/x", nullptr, nullptr, nullptr));
+}
+
+TEST(LinkFolderCommands, AnAnswerCutByTheLinkFailsWithTheLinksError) {
+    // Half a reply header, then the instrument closes: the answer never completes.
+    const ScriptedInstrument::Responder cut = [](const PeerFrame& frame, int socket) {
+        std::vector<uint8_t> half = ReplyFrame(frame.argument(), 0);
+        half.resize(20);
+        Send(socket, half);
+        ::shutdown(socket, SHUT_RDWR);
+    };
+    const std::function<bool(VXSFileInfoImpl&)> operations[] = {
+        [](VXSFileInfoImpl& impl) {
+            FileInfo entry;
+            return impl.GetFileInfo(L"/Data/big.vxs", &entry, nullptr, nullptr);
+        },
+        [](VXSFileInfoImpl& impl) { return impl.MkDir(L"/new"); },
+        [](VXSFileInfoImpl& impl) { return impl.Rename(L"/a", L"/b"); },
+        [](VXSFileInfoImpl& impl) { return impl.RmDir(L"/old", true); },
+        [](VXSFileInfoImpl& impl) { return impl.Delete(L"/f.mth"); },
+        [](VXSFileInfoImpl& impl) {
+            std::wstring output;
+            return impl.RunCommand(L"status", output, 0);
+        },
+    };
+    // Each waits out the link's receive limit: all at once, each on its own instrument.
+    std::vector<std::future<int>> errors;
+    for (const auto& operation : operations) {
+        errors.push_back(std::async(std::launch::async, [&cut, operation] {
+            Linked linked(cut);
+            if (!linked.sensor.online())
+                return -1;
+            return operation(*linked.impl) ? 0 : linked.impl->GetError();
+        }));
+    }
+    for (size_t i = 0; i < errors.size(); ++i) {
+        SCOPED_TRACE("operation " + std::to_string(i));
+        const int error = errors[i].get();
+        EXPECT_TRUE(error == kWsaTimedOut || error == kWsaConnReset || error == kWsaNotConn) << error;
+    }
 }
 
 TEST(LinkFolderRecords, SecondsBecomeMicroseconds) {

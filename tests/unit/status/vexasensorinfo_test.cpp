@@ -228,6 +228,22 @@ TEST_F(VexaSensorInfoTest, SafetyDatabaseAsksForAMissingPageAndRemembersIt) {
     EXPECT_TRUE(ui.messages.empty());
 }
 
+// A page that exists but that no program can open is no missing page: one message names the setting,
+// and the operator is not asked for another page.
+TEST_F(VexaSensorInfoTest, SafetyDatabaseWithoutAnOpenerSaysSoOnce) {
+    RecordingToolUi ui;
+    VEXASensorInfo info;
+    Settings().SetString(L"Programs", L"Opener", L"/nonexistent/vexa/opener");
+    const std::wstring page = FromUtf8(m_dir.createFile("db/start.htm", "<html/>"));
+    Settings().SetString(L"NIOSH", L"Path", page);
+    info.RunTool(6031, 3);
+    EXPECT_TRUE(ui.asked.empty());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    for (const wchar_t* named : {L"No program could open", L"/nonexistent/vexa/opener", L"Programs/Opener"})
+        EXPECT_NE(ui.messages[0].find(named), std::wstring::npos) << ToUtf8(ui.messages[0]);
+    EXPECT_EQ(ShellOpen(page), kNoOpener);
+}
+
 TEST(ExternalProgramsTest, ShellOpenReportsMissingFiles) {
     EXPECT_EQ(ShellOpen(L""), kProgramNotFound);
     EXPECT_EQ(ShellOpen(L"/nonexistent/vexa/start.htm"), kProgramNotFound);

@@ -1,0 +1,56 @@
+#pragma once
+// Data Review: data files from the PC or an instrument, one tab each, with their chromatograms,
+// spectra and facts (RunReviewPage). A remote file is copied into the sensor's data folder first and
+// reviewed from there. The window outlives its tool run: the studio keeps one and brings it forward.
+#include "sensorref.h"
+
+#include <QMainWindow>
+#include <QString>
+
+#include <string>
+
+class ISensorInfo;
+class QAction;
+class QTabWidget;
+class RunReviewPage;
+
+class DataReviewWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // `sensorType` handles "Edit the method of this run"; it must outlive the window.
+    explicit DataReviewWindow(ISensorInfo* sensorType, QWidget* parent = nullptr);
+    ~DataReviewWindow() override;
+
+    // The instrument whose file selection dialog Open uses and whose data folder receives remote files.
+    void SetSensor(ISensorObject* sensor);
+
+    // Opens a local or remote file in a new tab (a file already open comes to the front). A file that
+    // cannot be read is refused with its reason, shown to the operator and kept in LastError().
+    bool OpenFile(const std::wstring& name);
+    // Asks for a file through the sensor's file selection dialog and opens it.
+    void ChooseAndOpenFile();
+
+    int PageCount() const;
+    RunReviewPage* Page(int index) const;
+    RunReviewPage* CurrentPage() const;
+    const QString& LastError() const { return m_lastError; }
+
+    // The current tab's plots as shown, to a .png or .pdf file.
+    bool ExportImage(const QString& fileName, QString* error) const;
+    // Hands the current file to the sensor type's method editor.
+    void EditMethodOfCurrentFile();
+
+private:
+    void BuildActions();
+    void UpdateActions();
+    void Refuse(const QString& reason);
+    void AskAndExportImage();
+    QString AskSaveName(const QString& title, const QString& suffix, const QString& filter);
+
+    ISensorInfo* m_sensorType;
+    SensorRef<> m_sensor;
+    QTabWidget* m_tabs;
+    QString m_lastError;
+    QAction* m_exportImage = nullptr;
+    QAction* m_editMethod = nullptr;
+};
