@@ -3,7 +3,8 @@
 #
 # Builds a man page from its scdoc source beside the program it describes: build/man/manN/<page.N>
 # (for `man -l`) and its gzip -9n copy, which is what gets installed. Without scdoc no page is built
-# and a warning says so once.
+# and a warning says so once. scdoc rather than pandoc or help2man: a small C program made for man
+# pages alone, whose source reads like the page, with exit codes and examples that --help lacks.
 find_program(VEXA_SCDOC scdoc)
 find_program(VEXA_GZIP gzip)
 if(NOT (VEXA_SCDOC AND VEXA_GZIP))
