@@ -42,7 +42,7 @@ public:
             m_error = kErrInvalid;
             return;
         }
-        m_file = std::fopen(NativePath(name).c_str(), narrowMode.c_str());
+        m_file = OpenNativeFile(name, narrowMode.c_str());
         if (!m_file) {
             m_error = errno;
             return;
@@ -57,8 +57,7 @@ public:
             std::setvbuf(m_file, m_buffer.get(), _IOFBF, kBufferSize);
         }
         // A folder opens for reading on some systems; it is no file.
-        struct stat st {};
-        if (fstat(fileno(m_file), &st) == 0 && S_ISDIR(st.st_mode)) {
+        if (IsDirectory(name)) {
             std::fclose(m_file);
             m_file = nullptr;
             m_error = EISDIR;

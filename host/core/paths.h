@@ -1,5 +1,7 @@
 #pragma once
 // Workstation paths. The platform's native separator is used where the suite writes a backslash.
+#include <cstdio>
+#include <filesystem>
 #include <string>
 
 #ifdef _WIN32
@@ -20,5 +22,13 @@ bool PathAccessible(const std::wstring& path, int mode);
 bool IsDirectory(const std::wstring& path);
 // Makes a path absolute against the current folder and removes "." and ".." parts.
 std::wstring GetFullPath(const std::wstring& path);
-// Narrow native path for the platform's file functions.
+// Narrow native path for the platform's narrow file functions (UTF-8).
 std::string NativePath(const std::wstring& path);
+// A path for std::filesystem: wide on Windows, UTF-8 elsewhere, and back.
+std::filesystem::path ToFsPath(const std::wstring& path);
+std::wstring FromFsPath(const std::filesystem::path& path);
+// fopen with a wide path (_wfopen on Windows).
+std::FILE* OpenNativeFile(const std::wstring& path, const char* mode);
+// The platform's per-user data folder (XDG data home, %APPDATA%) and the running program's path.
+std::wstring PerUserDataFolder();
+std::wstring ProgramPath();

@@ -8,39 +8,11 @@
 #include <filesystem>
 #include <system_error>
 
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
-
 namespace {
 
-std::wstring WidePath(const std::filesystem::path& path) {
-#ifdef _WIN32
-    return path.wstring();
-#else
-    return FromUtf8(path.string());
-#endif
-}
-
 bool HasModuleSuffix(const std::filesystem::path& path) {
-    return EqualsNoCase(WidePath(path.extension()), PluginLoader::kModuleSuffix);
+    return EqualsNoCase(FromFsPath(path.extension()), PluginLoader::kModuleSuffix);
 }
-
-#ifdef _WIN32
-std::wstring SystemMessage(DWORD error) {
-    wchar_t* text = nullptr;
-    FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                       FORMAT_MESSAGE_IGNORE_INSERTS,
-                   nullptr, error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    std::wstring message = text != nullptr ? text : L"";
-    LocalFree(text);
-    while (!message.empty() && (message.back() == L'\n' || message.back() == L'\r'))
-        message.pop_back();
-    return std::to_wstring(error) + L" (" + message + L")";
-}
-#endif
 
 } // namespace
 
@@ -57,7 +29,7 @@ std::wstring PluginFolderReport::ToText() const {
     } else {
         text = L"Modules in " + folder + L":\n";
         for (const PluginLoadResult& module : modules) {
-            std::wstring name = WidePath(std::filesystem::path(NativePath(module.path)).filename());
+            std::wstring name = FromFsPath(ToFsPath(module.path).filename());
             text += L"  " + name + (module.loaded ? L": loaded\n" : L": not loaded: " + module.error + L"\n");
         }
     }
@@ -76,18 +48,7 @@ PluginLoadResult PluginLoader::LoadModule(const std::wstring& path) {
     PluginLoadResult result;
     result.path = path;
     const std::vector<ISensorInfo*> before = ISensorInfo::SensorTypes();
-#ifdef _WIN32
-    result.handle = LoadLibraryW(path.c_str());
-    if (result.handle == nullptr)
-        result.error = SystemMessage(GetLastError());
-#else
-    dlerror(); // clear a message left by someone else
-    result.handle = dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_GLOBAL);
-    if (result.handle == nullptr) {
-        const char* message = dlerror();
-        result.error = FromUtf8(message != nullptr ? message : "unknown loader error");
-    }
-#endif
+    result.handle = OpenModule(path, &result.error);
     result.loaded = result.handle != nullptr;
     for (ISensorInfo* type : ISensorInfo::SensorTypes()) {
         if (std::find(before.begin(), before.end(), type) == before.end())
@@ -100,7 +61,7 @@ PluginFolderReport PluginLoader::LoadFolder(const std::wstring& folder) {
     PluginFolderReport report;
     report.folder = folder;
     std::error_code error;
-    const std::filesystem::path root(NativePath(folder));
+    const std::filesystem::path root = ToFsPath(folder);
     report.folderFound = std::filesystem::is_directory(root, error);
     if (report.folderFound) {
         std::vector<std::filesystem::path> files;
@@ -112,7 +73,7 @@ PluginFolderReport PluginLoader::LoadFolder(const std::wstring& folder) {
         }
         std::sort(files.begin(), files.end());
         for (const std::filesystem::path& file : files)
-            report.modules.push_back(LoadModule(WidePath(file)));
+            report.modules.push_back(LoadModule(FromFsPath(file)));
     }
     for (ISensorInfo* type : ISensorInfo::SensorTypes())
         report.sensorTypes.push_back(type->ShortName());

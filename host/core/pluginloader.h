@@ -38,4 +38,8 @@ public:
     static PluginFolderReport LoadFolder(const std::wstring& folder);
     // Loads one module file.
     static PluginLoadResult LoadModule(const std::wstring& path);
+
+private:
+    // The system loader's call: the module's handle, or null with the loader's message in `error`.
+    static void* OpenModule(const std::wstring& path, std::wstring* error);
 };

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 // A thread's event dispatching (Qt's event loop in the studio). The CLI and worker threads have none,
-// and then the waits simply sleep.
+// and then the waits simply sleep (on Windows: wait on and dispatch the thread's window messages).
 class PumpDispatcher {
 public:
     virtual ~PumpDispatcher() = default;
@@ -26,5 +26,12 @@ void PumpWait(uint32_t ms);
 // when `forWrite`) or at most `maxMs`, dispatching events as PumpWait does. Returns true when ready.
 bool PumpWaitSocket(intptr_t socket, bool forWrite, int maxMs);
 
-// Milliseconds from a monotonic clock (GetTickCount's role).
+// Milliseconds from a monotonic clock (GetTickCount on Windows).
 uint32_t TickCount();
+
+// Whether the calling thread may have events to dispatch between socket checks (window messages on
+// Windows; a dispatcher elsewhere).
+bool ThreadHasEvents();
+// Dispatches what is queued for the calling thread now: window messages on Windows, then the
+// dispatcher's events.
+void DispatchThreadEvents();

@@ -1,5 +1,6 @@
 #include "registry.h"
 
+#include "registrystore.h"
 #include "text.h"
 
 #include <atomic>
@@ -12,30 +13,12 @@
 #include <sstream>
 #include <vector>
 
-#ifndef _WIN32
-#include <pwd.h>
-#include <unistd.h>
-#endif
-
 namespace {
 
 std::string DefaultSettingsPath() {
     if (const char* explicitPath = std::getenv("VEXA_SETTINGS"); explicitPath && *explicitPath)
         return explicitPath;
-    std::string config;
-    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg) {
-        config = xdg;
-    } else {
-        std::string home;
-        if (const char* env = std::getenv("HOME"); env && *env)
-            home = env;
-#ifndef _WIN32
-        else if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir)
-            home = pw->pw_dir;
-#endif
-        config = home + "/.config";
-    }
-    return config + "/VexaSuite/vexa.ini";
+    return PlatformSettingsLocation();
 }
 
 // Values that the INI readers would otherwise trim or split (QSettings reads "a,b" as a list) are
@@ -142,6 +125,10 @@ void CPXRegistry::Reload() {
 
 void CPXRegistry::LoadLocked() {
     m_sections.clear();
+    if (IsPlatformSettingsStore(m_path)) {
+        LoadPlatformSettings(m_sections);
+        return;
+    }
     std::ifstream in(m_path, std::ios::binary);
     if (!in)
         return;
@@ -187,11 +174,7 @@ bool CPXRegistry::SaveLocked() const {
     const std::filesystem::path target(m_path);
     if (target.has_parent_path())
         std::filesystem::create_directories(target.parent_path(), ec);
-#ifdef _WIN32
-    const long pid = 0;
-#else
-    const long pid = static_cast<long>(getpid());
-#endif
+    const long pid = CurrentProcessId();
     const std::string temp = m_path + ".tmp." + std::to_string(pid) + "." + std::to_string(++g_tempCounter);
     {
         std::ofstream out(temp, std::ios::binary | std::ios::trunc);
@@ -258,6 +241,8 @@ bool CPXRegistry::SetString(const std::wstring& section, const std::wstring& key
     // Pick up what other processes saved meanwhile, so a write changes only its own value.
     LoadLocked();
     m_sections[s][k] = ToUtf8(value);
+    if (IsPlatformSettingsStore(m_path))
+        return SetPlatformSetting(s, k, m_sections[s][k]);
     return SaveLocked();
 }
 
@@ -275,5 +260,7 @@ bool CPXRegistry::Remove(const std::wstring& section, const std::wstring& key) {
         return true;
     if (sectionIt->second.empty())
         m_sections.erase(sectionIt);
+    if (IsPlatformSettingsStore(m_path))
+        return RemovePlatformSetting(s, k);
     return SaveLocked();
 }

@@ -1,7 +1,9 @@
 #pragma once
-// The suite's settings ("the registry"): sections and values in one INI file. The file is
-// $VEXA_SETTINGS when set, else <config folder>/VexaSuite/vexa.ini. Reads and writes are
-// thread-safe; every write is saved at once (written to a temporary file, then renamed).
+// The suite's settings ("the registry"): sections and values in one INI file, or on Windows in the
+// registry. The store is the file $VEXA_SETTINGS when set, else the platform's default: the key
+// HKEY_CURRENT_USER\Software\VexaSuite on Windows (section "A/B" is its sub-key A\B), the file
+// <config folder>/VexaSuite/vexa.ini elsewhere. Reads and writes are thread-safe; every write is saved
+// at once (a file is written to a temporary name, then renamed).
 #include <map>
 #include <mutex>
 #include <optional>
@@ -11,6 +13,7 @@ class CPXRegistry {
 public:
     // The process-wide store over the default file.
     static CPXRegistry& Instance();
+    // `path` is an INI file, or the name of the platform's store (Path() of the default store).
     explicit CPXRegistry(std::string path);
 
     // Section "FTP/HostMap" and key "h" address the value FTP/HostMap/h.

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 namespace {
 
@@ -39,6 +40,31 @@ std::atomic<uint32_t> g_nextSensorId{1};
 std::mutex& DataMutex() {
     static std::mutex mutex;
     return mutex;
+}
+
+// Going on line runs one attempt at a time per sensor: the studio's reconnection and a copy that waits
+// for its instrument may both try. The gate lives as long as its sensor.
+struct ConnectGate {
+    std::mutex attempt;
+    std::atomic<std::thread::id> owner{};
+};
+
+std::mutex& GatesMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::map<const ISensorObject*, std::shared_ptr<ConnectGate>>& Gates() {
+    static std::map<const ISensorObject*, std::shared_ptr<ConnectGate>> gates;
+    return gates;
+}
+
+std::shared_ptr<ConnectGate> GateOf(const ISensorObject* sensor) {
+    std::lock_guard lock(GatesMutex());
+    std::shared_ptr<ConnectGate>& gate = Gates()[sensor];
+    if (!gate)
+        gate = std::make_shared<ConnectGate>();
+    return gate;
 }
 
 // Sensors whose Disconnect is running on this thread: a Disconnect that the link or the channel raises
@@ -84,6 +110,10 @@ ISensorObject::ISensorObject(ISensorInfo* info, ISensorAddress address)
 
 ISensorObject::~ISensorObject() {
     Unregister(this);
+    {
+        std::lock_guard lock(GatesMutex());
+        Gates().erase(this);
+    }
     // The channel goes first, while the observers' lock still exists: closing it may report a
     // Disconnect, which is ignored here.
     t_disconnecting.push_back(this);
@@ -238,6 +268,19 @@ ISensorState ISensorObject::GetSensorState() const {
 }
 
 bool ISensorObject::GoOnline() {
+    if (KeepOffline())
+        return false;
+    // A second caller waits for the attempt in progress; one re-entered from that attempt's own pumping
+    // wait is refused.
+    const std::shared_ptr<ConnectGate> gate = GateOf(this);
+    if (gate->owner.load() == std::this_thread::get_id())
+        return false;
+    std::lock_guard connecting(gate->attempt);
+    gate->owner = std::this_thread::get_id();
+    struct AttemptDone {
+        std::atomic<std::thread::id>& owner;
+        ~AttemptDone() { owner = std::thread::id(); }
+    } done{gate->owner};
     if (KeepOffline())
         return false;
     if (IsOnline(true))
@@ -562,6 +605,7 @@ void ISensorObject::ShowTuneReports() {}
 
 // Taking a sensor out of the configuration: off line, and no longer found by Select.
 void ISensorObject::Remove(bool) {
+    SetKeepOffline(true); // nothing that still holds it (a copy waiting for it) takes it on line again
     Disconnect(0);
     Unregister(this);
 }

@@ -34,24 +34,6 @@ int64_t LocalMs(int64_t timeMs, int offsetMinutes) {
 
 } // namespace
 
-int PXLocalTimeDiff(int64_t timeMs) {
-    const std::time_t seconds = static_cast<std::time_t>(FloorDiv(timeMs, 1000));
-    std::tm local{};
-#ifdef _WIN32
-    if (localtime_s(&local, &seconds) != 0)
-        return 0;
-    std::tm utc{};
-    if (gmtime_s(&utc, &seconds) != 0)
-        return 0;
-    utc.tm_isdst = local.tm_isdst;
-    return int(std::difftime(std::mktime(&local), std::mktime(&utc)));
-#else
-    if (localtime_r(&seconds, &local) == nullptr)
-        return 0;
-    return int(local.tm_gmtoff);
-#endif
-}
-
 std::wstring FormatDate(int64_t timeMs, int offsetMinutes) {
     int64_t year = 0;
     int month = 0, day = 0;
@@ -69,4 +51,14 @@ std::wstring FormatTime(int64_t timeMs, int offsetMinutes) {
     std::swprintf(text, sizeof text / sizeof text[0], L"%02d:%02d:%02d", int(secondOfDay / 3600),
                   int(secondOfDay / 60 % 60), int(secondOfDay % 60));
     return text;
+}
+
+std::wstring FormatElapsed(int64_t seconds) {
+    if (seconds < 0)
+        seconds = 0;
+    if (seconds < 60)
+        return std::to_wstring(seconds) + L" s";
+    if (seconds < 3600)
+        return std::to_wstring(seconds / 60) + L" min " + std::to_wstring(seconds % 60) + L" s";
+    return std::to_wstring(seconds / 3600) + L" h " + std::to_wstring(seconds / 60 % 60) + L" min";
 }

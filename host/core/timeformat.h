@@ -4,11 +4,17 @@
 // as PXLocalTimeDiff(time) / 60 gives it. The formats are fixed ("2026-11-23", "14:05:09") so lists of
 // dates sort as text and read alike on every workstation.
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 // Local time minus UTC in seconds at the given time (daylight saving included); 0 when the platform
 // cannot tell.
 int PXLocalTimeDiff(int64_t timeMs);
+// The thread-safe local-time conversion of the platform (localtime_r, localtime_s); false on failure.
+bool ToLocalTime(std::time_t seconds, std::tm* local);
 
 std::wstring FormatDate(int64_t timeMs, int offsetMinutes);
 std::wstring FormatTime(int64_t timeMs, int offsetMinutes);
+
+// A span as words: "45 s", "1 min 12 s", "2 h 5 min" (the seconds dropped from an hour on).
+std::wstring FormatElapsed(int64_t seconds);

@@ -1,96 +1,8 @@
 #include "winsockerror.h"
 
 #include <mutex>
-#include <vector>
-
-#include <cerrno>
-#include <cstring>
 #include <string>
-
-#ifdef _WIN32
-#include <winsock2.h>
-#endif
-
-namespace {
-
-// strerror_r comes in a GNU form (returns the text) and an XSI form (returns a status).
-[[maybe_unused]] const char* StrErrorResult(int status, const char* buffer) {
-    return status == 0 ? buffer : nullptr;
-}
-[[maybe_unused]] const char* StrErrorResult(const char* text, const char*) {
-    return text;
-}
-
-} // namespace
-
-int WinsockFromErrno(int err) {
-    switch (err) {
-#if EAGAIN != EWOULDBLOCK
-    case EAGAIN:
-#endif
-    case EWOULDBLOCK:
-    case EINPROGRESS:
-        return kWsaWouldBlock;
-    case EALREADY:
-        return 10037;
-    case ENOTSOCK:
-        return kWsaNotSock;
-    case EDESTADDRREQ:
-        return 10039;
-    case EMSGSIZE:
-        return 10040;
-    case EPROTOTYPE:
-        return 10041;
-    case ENOPROTOOPT:
-        return 10042;
-    case EPROTONOSUPPORT:
-        return 10043;
-    case EOPNOTSUPP:
-        return 10045;
-    case EAFNOSUPPORT:
-        return 10047;
-    case EADDRINUSE:
-        return 10048;
-    case EADDRNOTAVAIL:
-        return kWsaAddrNotAvail;
-    case ENETDOWN:
-        return kWsaNetDown;
-    case ENETUNREACH:
-        return kWsaNetUnreach;
-    case ENETRESET:
-        return 10052;
-    case ECONNABORTED:
-        return kWsaConnAborted;
-    case ECONNRESET:
-        return kWsaConnReset;
-    case ENOBUFS:
-        return kWsaNoBufs;
-    case EISCONN:
-        return 10056;
-    case ENOTCONN:
-        return kWsaNotConn;
-    case EPIPE:
-        return kWsaShutdown;
-    case ETIMEDOUT:
-        return kWsaTimedOut;
-    case ECONNREFUSED:
-        return kWsaConnRefused;
-    case EHOSTDOWN:
-        return kWsaHostDown;
-    case EHOSTUNREACH:
-        return kWsaHostUnreach;
-    default:
-        return err;
-    }
-}
-
-int LastSocketError() {
-#ifdef _WIN32
-    return WSAGetLastError();
-#else
-    return WinsockFromErrno(errno);
-#endif
-}
+#include <vector>
 
 std::wstring ErrorMeaning(int code) {
     switch (code) {
@@ -155,23 +67,16 @@ std::wstring ErrorMeaning(int code) {
     default:
         break;
     }
-#ifndef _WIN32
     // Other small numbers are the workstation's own errno values: use the system's text.
-    if (code > 0 && code < 200) {
-        char buffer[256] = {};
-        const char* text = StrErrorResult(strerror_r(code, buffer, sizeof buffer), buffer);
-        if (text != nullptr && std::strncmp(text, "Unknown error", 13) != 0) {
-            std::wstring meaning;
-            for (const char* p = text; *p != 0; ++p)
-                meaning += static_cast<wchar_t>(static_cast<unsigned char>(*p));
-            if (!meaning.empty() && meaning[0] >= L'A' && meaning[0] <= L'Z' &&
-                (meaning.size() < 2 || !(meaning[1] >= L'A' && meaning[1] <= L'Z')))
-                meaning[0] = static_cast<wchar_t>(meaning[0] - L'A' + L'a');
-            return meaning;
-        }
-    }
-#endif
-    return {};
+    if (code <= 0 || code >= 200)
+        return {};
+    std::wstring meaning;
+    for (const char c : SystemErrorText(code))
+        meaning += static_cast<wchar_t>(static_cast<unsigned char>(c));
+    if (!meaning.empty() && meaning[0] >= L'A' && meaning[0] <= L'Z' &&
+        (meaning.size() < 2 || !(meaning[1] >= L'A' && meaning[1] <= L'Z')))
+        meaning[0] = static_cast<wchar_t>(meaning[0] - L'A' + L'a');
+    return meaning;
 }
 
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 
 enum : int {
-    kErrBadFile = 9,      // no open file
-    kErrInvalid = 22,     // bad argument
-    kErrTooLarge = 34,    // frame or result too large
+    kErrBadFile = 9,   // no open file
+    kErrInvalid = 22,  // bad argument
+    kErrTooLarge = 34, // frame or result too large
     kWsaWouldBlock = 10035,
     kWsaNotSock = 10038,
     kWsaAddrNotAvail = 10049,
@@ -24,9 +24,12 @@ enum : int {
 };
 
 // Maps a POSIX errno value to its Winsock number; values without a counterpart pass through unchanged.
+// Not on Windows, where the socket calls report Winsock numbers themselves.
 int WinsockFromErrno(int err);
-// The Winsock number of the calling thread's last socket error.
+// The Winsock number of the calling thread's last socket error (WSAGetLastError on Windows).
 int LastSocketError();
+// The C library's text for one of its error numbers; empty when it has none.
+std::string SystemErrorText(int code);
 // A short meaning of an error number ("connection timed out"); empty when unknown.
 std::wstring ErrorMeaning(int code);
 // Back ends with numbers of their own (FTP replies, ...) add their meanings here; a source answers an

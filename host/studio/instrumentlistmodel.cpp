@@ -67,12 +67,20 @@ QVariant InstrumentListModel::data(const QModelIndex& index, int role) const {
     }
     if (role == Qt::ToolTipRole)
         return QStringLiteral("%1\n%2").arg(instrument->Title(), instrument->StateText());
+    // A dropped instrument stands out from one taken off line on purpose.
+    const bool dropped = instrument->GetState() == ManagedInstrument::State::Reconnecting;
+    if (role == Qt::BackgroundRole && dropped)
+        return QColor(0xfd, 0xe0, 0xe0);
+    if (role == Qt::ForegroundRole && dropped)
+        return QColor(0xb7, 0x1c, 0x1c);
     if (role == Qt::DecorationRole && index.column() == kColumnState) {
         switch (instrument->GetState()) {
         case ManagedInstrument::State::Online:
             return m_online;
         case ManagedInstrument::State::Connecting:
             return m_connecting;
+        case ManagedInstrument::State::Reconnecting:
+            return m_failed;
         case ManagedInstrument::State::Unavailable:
             return m_unavailable;
         case ManagedInstrument::State::Offline:

@@ -6,8 +6,13 @@
 #include "winsockerror.h"
 #include "wsensorobserver.h"
 
+#include <QRandomGenerator>
+
+#include <chrono>
+
 ManagedInstrument::ManagedInstrument(const InstrumentConfig& config, bool transient, QObject* parent)
-    : QObject(parent), m_config(config), m_transient(transient) {}
+    : QObject(parent), m_config(config), m_transient(transient),
+      m_schedule(QRandomGenerator::global()->generate()) {}
 
 ManagedInstrument::~ManagedInstrument() {
     Release();
@@ -15,6 +20,7 @@ ManagedInstrument::~ManagedInstrument() {
 
 void ManagedInstrument::Attach(const InstrumentConfig& config, ISensorInfo* sensorType) {
     Release();
+    StopReconnecting();
     m_config = config;
     m_lastError = 0;
     m_problem.clear();
@@ -47,7 +53,9 @@ void ManagedInstrument::Release() {
     SensorRef<> sensor = std::move(m_sensor);
     // Unsubscribe first: the off-line notification of a sensor being dropped is of no interest.
     m_observer.reset();
-    if (sensor->IsOnline(false))
+    // A retry still running on a pool thread must not take it on line again.
+    sensor->SetKeepOffline(true);
+    if (sensor->IsOnline(false) || sensor->GetSensorState() == kSensorConnecting)
         sensor->Disconnect(0);
 }
 
@@ -60,14 +68,44 @@ ManagedInstrument::State ManagedInstrument::GetState() const {
     case kSensorOnline:
         return State::Online;
     case kSensorConnecting:
-        return State::Connecting;
+        return m_schedule.IsActive() ? State::Reconnecting : State::Connecting;
     default:
-        return State::Offline;
+        return m_schedule.IsActive() ? State::Reconnecting : State::Offline;
     }
 }
 
+void ManagedInstrument::BeginReconnecting(qint64 nowMs) {
+    m_schedule.Start(nowMs);
+    m_lostAt = QDateTime::currentDateTime();
+}
+
+void ManagedInstrument::StopReconnecting() {
+    m_schedule.Stop();
+    m_lostAt = QDateTime();
+}
+
+qint64 ManagedInstrument::SteadyNowMs() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
 QString ManagedInstrument::StateText() const {
+    return StateText(SteadyNowMs());
+}
+
+QString ManagedInstrument::StateText(qint64 nowMs) const {
     switch (GetState()) {
+    case State::Reconnecting: {
+        const QString why = m_lastError != 0
+                                ? tr(": error %1").arg(QString::fromStdWString(DescribeError(m_lastError)))
+                                : QString();
+        if (m_retrying || m_schedule.IsDue(nowMs))
+            return tr("Reconnecting now (attempt %1)%2").arg(m_schedule.Attempt()).arg(why);
+        return tr("Reconnecting in %1 s (attempt %2)%3")
+            .arg(m_schedule.SecondsLeft(nowMs))
+            .arg(m_schedule.Attempt())
+            .arg(why);
+    }
     case State::Unavailable:
         return tr("Not available: %1").arg(m_problem);
     case State::Connecting:

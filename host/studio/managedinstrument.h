@@ -3,8 +3,10 @@
 // it (the studio holds the first reference), and what the studio knows about its connection.
 // Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
 #include "instrumentconfig.h"
+#include "reconnectschedule.h"
 #include "sensorref.h"
 
+#include <QDateTime>
 #include <QObject>
 
 #include <memory>
@@ -15,7 +17,8 @@ class WSensorObserver;
 class ManagedInstrument : public QObject {
     Q_OBJECT
 public:
-    enum class State { Unavailable, Offline, Connecting, Online };
+    // Reconnecting: the sensor went off line by itself and is being tried again on a back-off.
+    enum class State { Unavailable, Offline, Connecting, Online, Reconnecting };
 
     ManagedInstrument(const InstrumentConfig& config, bool transient, QObject* parent = nullptr);
     ~ManagedInstrument() override;
@@ -46,8 +49,30 @@ public:
     bool ExpectsOffline() const { return m_expectOffline; }
     void SetExpectsOffline(bool expect) { m_expectOffline = expect; }
 
-    // "On line", "Off line: 10061 (connection refused)", ...
+    // ---- a drop the operator did not ask for ----
+    // The sensor went off line by itself at `nowMs` (a steady clock): the first retry is scheduled.
+    void BeginReconnecting(qint64 nowMs);
+    // Back on line, or the operator took it off line or changed it: no more retries, no loss noted.
+    void StopReconnecting();
+    bool IsReconnecting() const { return m_schedule.IsActive(); }
+    ReconnectSchedule& Schedule() { return m_schedule; }
+    // When the drop was noticed (wall clock; invalid when no drop is pending).
+    const QDateTime& LostAt() const { return m_lostAt; }
+    // A retry of this instrument is running on a pool thread.
+    bool IsRetrying() const { return m_retrying; }
+    void SetRetrying(bool retrying) { m_retrying = retrying; }
+    // When it last came back after a drop (steady clock), 0 when never.
+    qint64 ReturnedAtMs() const { return m_returnedAtMs; }
+    void SetReturnedAtMs(qint64 ms) { m_returnedAtMs = ms; }
+    // The attempt that brought it back, so a drop right after resumes the back-off from there.
+    int ReturnAttempt() const { return m_returnAttempt; }
+    void SetReturnAttempt(int attempt) { m_returnAttempt = attempt; }
+
+    // "On line", "Off line: 10061 (connection refused)", "Reconnecting in 4 s (attempt 3): ...".
     QString StateText() const;
+    QString StateText(qint64 nowMs) const;
+    // The steady clock the schedule runs on, in milliseconds.
+    static qint64 SteadyNowMs();
     // "VEXA-1 (127.0.0.1)"
     QString Title() const;
 
@@ -66,4 +91,9 @@ private:
     int m_lastError = 0;
     bool m_connecting = false;
     bool m_expectOffline = false;
+    ReconnectSchedule m_schedule;
+    QDateTime m_lostAt;
+    bool m_retrying = false;
+    qint64 m_returnedAtMs = 0;
+    int m_returnAttempt = 1;
 };

@@ -7,6 +7,7 @@
 #include "sensorevent.h"
 #include "sensorinfo.h"
 #include "sensorref.h"
+#include "timeformat.h"
 #include "winsockerror.h"
 
 #include <QDateTime>
@@ -36,14 +37,19 @@ QString EventName(quint32 code) {
 
 SensorManager::SensorManager(QObject* parent) : QObject(parent) {
     connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+    connect(&m_connector, &SensorConnector::finished, this, &SensorManager::OnRetryFinished);
+    m_reconnectTimer.setInterval(kReconnectCheckMs);
+    connect(&m_reconnectTimer, &QTimer::timeout, this, &SensorManager::StartDueRetries);
 }
 
 SensorManager::~SensorManager() {
     // Sensors go off line and are released before the modules' objects could be touched by anyone;
     // off line first, so polls in flight end at once, then the polls' own references.
+    m_reconnectTimer.stop();
     qDeleteAll(m_instruments);
     m_instruments.clear();
     m_poller.Finish();
+    m_connector.Finish();
 }
 
 bool SensorManager::LoadPlugins(const QString& folder) {
@@ -172,6 +178,7 @@ bool SensorManager::Replace(int row, const InstrumentConfig& config) {
         return true;
     }
     const bool wasOnline = instrument->GetState() == ManagedInstrument::State::Online;
+    emit linkForgotten(LinkKey(instrument));
     instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
     emit logMessage(tr("Changed instrument %1 to %2, sensor type %3.")
                         .arg(old.name, instrument->Title(), config.sensorType));
@@ -213,9 +220,11 @@ bool SensorManager::Remove(int row) {
     if (!instrument || instrument->IsConnecting())
         return false;
     const QString title = instrument->Title();
+    emit linkForgotten(LinkKey(instrument));
     emit instrumentAboutToBeRemoved(row);
     m_instruments.removeAt(row);
     emit instrumentRemoved(row);
+    // A retry still running holds its sensor; the sensor is kept off line for it (see Release).
     delete instrument;
     emit logMessage(tr("Removed instrument %1.").arg(title));
     return true;
@@ -232,6 +241,13 @@ bool SensorManager::GoOnline(int row) {
     }
     if (sensor->IsOnline(true))
         return true;
+    sensor->SetKeepOffline(false);
+    if (instrument->IsReconnecting() || instrument->IsRetrying()) {
+        // Try now, as the schedule would: in the background, without making the window wait.
+        instrument->Schedule().DueNow(ManagedInstrument::SteadyNowMs());
+        StartDueRetries();
+        return false;
+    }
     instrument->SetConnecting(true);
     instrument->SetLastError(0);
     EmitChanged(instrument);
@@ -261,6 +277,12 @@ void SensorManager::GoOffline(int row) {
     ManagedInstrument* instrument = At(row);
     if (!instrument || !instrument->Sensor() || instrument->IsConnecting())
         return;
+    if (instrument->IsReconnecting())
+        emit linkForgotten(LinkKey(instrument));
+    instrument->StopReconnecting();
+    // Kept off line until the operator says otherwise: a retry still running, or a copy waiting for
+    // the instrument, does not bring it back.
+    instrument->Sensor()->SetKeepOffline(true);
     instrument->SetExpectsOffline(instrument->Sensor()->IsOnline(false));
     instrument->SetLastError(0);
     instrument->Sensor()->Disconnect(0);
@@ -285,7 +307,7 @@ void SensorManager::Tick() {
     // Each poll runs on its own thread and holds its sensor, so an instrument may be removed while its
     // poll is still waiting on the network. One still waiting from the last tick is not started twice.
     for (ManagedInstrument* instrument : std::as_const(m_instruments)) {
-        if (instrument->IsConnecting())
+        if (instrument->IsConnecting() || instrument->IsRetrying())
             continue;
         ISensorObject* sensor = instrument->Sensor();
         if (sensor && sensor->IsOnline(false))
@@ -305,22 +327,114 @@ void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, c
     emit logMessage(line);
 
     if (code == kSensorEventOffline) {
-        if (instrument->ExpectsOffline()) {
+        if (instrument->ExpectsOffline())
             instrument->SetExpectsOffline(false);
-        } else if (ISensorObject* sensor = instrument->Sensor()) {
-            // Not the operator's doing: the link dropped or timed out. The link's error says why; a
-            // drop noticed elsewhere (the command channel) may carry its error number as the text.
-            bool isNumber = false;
-            const int reason = text.toInt(&isNumber);
-            const int error = sensor->GetLastLinkError() != 0 ? sensor->GetLastLinkError()
-                              : isNumber                      ? reason
-                                                              : 0;
+        else
+            OnDropped(instrument, text);
+    } else if (code == kSensorEventOnline) {
+        OnReturned(instrument);
+    }
+    EmitChanged(instrument);
+}
+
+QString SensorManager::LinkKey(const ManagedInstrument* instrument) {
+    return QString::number(reinterpret_cast<quintptr>(instrument), 16);
+}
+
+// Not the operator's doing: the link dropped or timed out.
+void SensorManager::OnDropped(ManagedInstrument* instrument, const QString& text) {
+    ISensorObject* sensor = instrument->Sensor();
+    if (!sensor || sensor->KeepOffline())
+        return;
+    // The link's error says why; a drop noticed elsewhere (the command channel) may carry its error
+    // number as the text, or leave it with the channel.
+    bool isNumber = false;
+    const int reason = text.toInt(&isNumber);
+    const ICommSensor* comm = sensor->GetCommSensor();
+    const int error = sensor->GetLastLinkError() != 0 ? sensor->GetLastLinkError()
+                      : isNumber && reason != 0       ? reason
+                      : comm                          ? comm->LastError()
+                                                      : 0;
+    instrument->SetLastError(error);
+    const qint64 now = ManagedInstrument::SteadyNowMs();
+    const QString why = error != 0 ? tr("error %1").arg(ErrorText(error)) : tr("no answer");
+    if (instrument->LostAt().isValid() && instrument->ReturnedAtMs() != 0 &&
+        now - instrument->ReturnedAtMs() < kSettleMs) {
+        // Back only for a moment (it answers the connect, then closes): the same outage goes on, and
+        // the retries go on backing off.
+        instrument->Schedule().Start(now);
+        for (int attempt = 1; attempt < instrument->ReturnAttempt(); ++attempt)
+            instrument->Schedule().AttemptFailed(now);
+        emit logMessage(
+            tr("%1 dropped again at once (%2); still reconnecting.").arg(instrument->Title(), why));
+    } else {
+        instrument->BeginReconnecting(now);
+        const QString line =
+            tr("%1 stopped answering at %2: %3; reconnecting.")
+                .arg(instrument->Title(), instrument->LostAt().toString(QStringLiteral("HH:mm:ss")), why);
+        emit logMessage(line);
+        emit linkLost(LinkKey(instrument), line);
+    }
+    m_reconnectTimer.start();
+}
+
+void SensorManager::OnReturned(ManagedInstrument* instrument) {
+    ISensorObject* sensor = instrument->Sensor();
+    if (sensor && sensor->KeepOffline()) {
+        // A retry that ended after the operator chose off line.
+        instrument->SetExpectsOffline(true);
+        instrument->StopReconnecting();
+        sensor->Disconnect(0);
+        return;
+    }
+    if (!instrument->IsReconnecting())
+        return;
+    const QDateTime lostAt = instrument->LostAt();
+    const qint64 now = ManagedInstrument::SteadyNowMs();
+    if (instrument->ReturnedAtMs() != 0 && now - instrument->ReturnedAtMs() < kSettleMs) {
+        instrument->Schedule().Stop(); // told already; keeps LostAt for another quick drop
+    } else {
+        const qint64 awaySeconds = lostAt.isValid() ? lostAt.secsTo(QDateTime::currentDateTime()) : 0;
+        const QString line =
+            tr("%1 back on line after %2.")
+                .arg(instrument->Title(), QString::fromStdWString(FormatElapsed(awaySeconds)));
+        instrument->SetReturnAttempt(instrument->Schedule().Attempt());
+        instrument->Schedule().Stop();
+        emit logMessage(line);
+        emit linkReturned(LinkKey(instrument), line);
+    }
+    instrument->SetReturnedAtMs(now);
+    instrument->SetLastError(0);
+}
+
+void SensorManager::StartDueRetries() {
+    const qint64 now = ManagedInstrument::SteadyNowMs();
+    bool pending = false;
+    for (ManagedInstrument* instrument : std::as_const(m_instruments)) {
+        if (!instrument->IsReconnecting())
+            continue;
+        pending = true;
+        ISensorObject* sensor = instrument->Sensor();
+        if (sensor && !instrument->IsRetrying() && !instrument->IsConnecting() &&
+            instrument->Schedule().IsDue(now) && !m_poller.IsPolling(sensor) && m_connector.Start(sensor))
+            instrument->SetRetrying(true);
+        EmitChanged(instrument); // the countdown
+    }
+    if (!pending)
+        m_reconnectTimer.stop();
+}
+
+void SensorManager::OnRetryFinished(ISensorObject* sensor, bool online, int error) {
+    ManagedInstrument* instrument = nullptr;
+    for (ManagedInstrument* candidate : std::as_const(m_instruments))
+        instrument = candidate->Sensor() == sensor ? candidate : instrument;
+    if (!instrument)
+        return; // removed or changed meanwhile: its sensor was kept off line
+    instrument->SetRetrying(false);
+    if (!online && instrument->IsReconnecting()) {
+        instrument->Schedule().AttemptFailed(ManagedInstrument::SteadyNowMs());
+        if (error != 0)
             instrument->SetLastError(error);
-            emit logMessage(
-                error != 0
-                    ? tr("%1 went off line: error %2.").arg(instrument->Title(), ErrorText(error))
-                    : tr("%1 went off line (the instrument stopped answering).").arg(instrument->Title()));
-        }
     }
     EmitChanged(instrument);
 }

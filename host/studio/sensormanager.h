@@ -6,12 +6,18 @@
 // Going on line runs on the GUI thread; the link's pumping wait dispatches events meanwhile, so these
 // operations can be re-entered from the window. An instrument that is connecting is therefore never
 // removed or replaced. The timer's polls run on pool threads (SensorPoller), one per instrument.
+//
+// An instrument that went off line by itself (not through GoOffline) is retried on its back-off
+// schedule; the retries run on pool threads (SensorConnector), so the window never waits for them,
+// and such an instrument may be taken off line or removed while a retry runs.
 #include "instrumentconfig.h"
 #include "plugincatalog.h"
+#include "sensorconnector.h"
 #include "sensorpoller.h"
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 
 class ManagedInstrument;
 class ISensorInfo;
@@ -54,8 +60,15 @@ public:
     static QString SensorFolder(const QString& name);
     // False while the instrument is connecting.
     bool Remove(int row);
+    // On a reconnecting instrument: the retry starts at once, in the background (false then).
     bool GoOnline(int row);
+    // Also ends the retries of a dropped instrument.
     void GoOffline(int row);
+
+    // How often due retries are looked for and the countdowns redrawn.
+    static constexpr int kReconnectCheckMs = 250;
+    // An instrument that drops again this soon after it came back is still the same outage.
+    static constexpr qint64 kSettleMs = 10000;
 
     // The interval at which Tick should run: the smallest alarm interval of the sensors (1 s default).
     int TimerInterval() const;
@@ -74,13 +87,25 @@ signals:
     void instrumentChanged(int row);
     // When polls have ended and the sensors' status may have changed.
     void ticked();
+    // An instrument stopped answering, or came back: told once each, in words. `key` stays the same
+    // for one instrument; linkForgotten says that its notices are moot (off line by choice, removed).
+    void linkLost(const QString& key, const QString& text);
+    void linkReturned(const QString& key, const QString& text);
+    void linkForgotten(const QString& key);
 
 private:
     void OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text);
+    void OnDropped(ManagedInstrument* instrument, const QString& text);
+    void OnReturned(ManagedInstrument* instrument);
+    void StartDueRetries();
+    void OnRetryFinished(ISensorObject* sensor, bool online, int error);
+    static QString LinkKey(const ManagedInstrument* instrument);
     void EmitChanged(const ManagedInstrument* instrument);
     void MoveSensorFolder(const QString& from, const QString& to);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;
     SensorPoller m_poller;
+    SensorConnector m_connector;
+    QTimer m_reconnectTimer;
 };

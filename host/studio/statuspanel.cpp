@@ -50,13 +50,19 @@ QString StatusPanel::PlaceholderText() const {
     return m_pages->currentWidget() == m_placeholder ? m_placeholder->text() : QString();
 }
 
-void StatusPanel::Refresh(ISensorObject* sensor, const QString& caption) {
+void StatusPanel::Refresh(ISensorObject* sensor, const QString& caption, const QString& away) {
     if (!sensor) {
         SetCaption(tr("Status"));
         ShowPlaceholder(tr("Select an instrument to see its status."));
         return;
     }
     SetCaption(tr("Status of %1").arg(caption));
+    if (!away.isEmpty() && sensor->GetSensorState() != kSensorOnline) {
+        ShowPlaceholder(tr("%1 is away: it stopped answering.\n%2\nIts status comes back here by itself when "
+                           "it returns.")
+                            .arg(caption, away));
+        return;
+    }
     switch (sensor->GetSensorState()) {
     case kSensorOnline:
         FillSections(*sensor);

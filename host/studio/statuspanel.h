@@ -15,8 +15,9 @@ public:
     explicit StatusPanel(QWidget* parent = nullptr);
 
     // Shows the sensor's sections when it is on line, else why there is nothing to show. `caption`
-    // names the instrument; a null sensor means none is selected.
-    void Refresh(ISensorObject* sensor, const QString& caption);
+    // names the instrument; a null sensor means none is selected. `away` is set while the instrument
+    // is gone by itself and being reconnected: what the studio knows of it (the retry, the error).
+    void Refresh(ISensorObject* sensor, const QString& caption, const QString& away = {});
 
     QTreeWidget* Tree() const { return m_tree; }
     // The text shown instead of the sections (empty while the sections are shown).

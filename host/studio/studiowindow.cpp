@@ -4,6 +4,7 @@
 #include "hostresource.h"
 #include "instrumenteditordialog.h"
 #include "instrumentlistmodel.h"
+#include "linkbanners.h"
 #include "logpane.h"
 #include "managedinstrument.h"
 #include "prompt.h"
@@ -67,6 +68,9 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
         }
     });
     connect(m_sensors, &SensorManager::ticked, this, &StudioWindow::RefreshStatus);
+    connect(m_sensors, &SensorManager::linkLost, m_linkBanners, &LinkBanners::ShowLoss);
+    connect(m_sensors, &SensorManager::linkReturned, m_linkBanners, &LinkBanners::ShowReturn);
+    connect(m_sensors, &SensorManager::linkForgotten, m_linkBanners, &LinkBanners::Forget);
     connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
         UpdateSelectionState();
         RefreshStatus();
@@ -118,6 +122,9 @@ void StudioWindow::BuildActions() {
     m_onlineAction = new QAction(tr("Go &on line"), this);
     m_onlineAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
     connect(m_onlineAction, &QAction::triggered, this, &StudioWindow::ToggleOnline);
+    m_stayOfflineAction = new QAction(tr("&Stay off line"), this);
+    m_stayOfflineAction->setStatusTip(tr("Stop reconnecting the instrument that dropped"));
+    connect(m_stayOfflineAction, &QAction::triggered, this, &StudioWindow::StayOffline);
 
     m_aboutAction = new QAction(tr("&About VEXA Studio"), this);
     m_aboutAction->setMenuRole(QAction::AboutRole);
@@ -133,6 +140,7 @@ void StudioWindow::BuildMenus() {
     instrument->addAction(m_removeAction);
     instrument->addSeparator();
     instrument->addAction(m_onlineAction);
+    instrument->addAction(m_stayOfflineAction);
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->addAction(m_aboutAction);
 }
@@ -168,11 +176,16 @@ QGroupBox* StudioWindow::BuildInstrumentBox(QWidget* parent) {
     connect(m_editButton, &QPushButton::clicked, this, &StudioWindow::EditInstrument);
     connect(m_removeButton, &QPushButton::clicked, this, &StudioWindow::RemoveInstrument);
     connect(m_onlineButton, &QPushButton::clicked, this, &StudioWindow::ToggleOnline);
+    m_stayOfflineButton = new QPushButton(tr("Stay off line"), instrumentBox);
+    m_stayOfflineButton->setObjectName(QStringLiteral("stayOfflineButton"));
+    m_stayOfflineButton->hide();
+    connect(m_stayOfflineButton, &QPushButton::clicked, this, &StudioWindow::StayOffline);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_addButton);
     buttons->addWidget(m_editButton);
     buttons->addWidget(m_removeButton);
     buttons->addStretch(1);
+    buttons->addWidget(m_stayOfflineButton);
     buttons->addWidget(m_onlineButton);
     auto* instrumentLayout = new QVBoxLayout(instrumentBox);
     instrumentLayout->addWidget(m_table, 1);
@@ -211,6 +224,7 @@ QWidget* StudioWindow::BuildCentralWidget() {
         QStringLiteral("QLabel { background: #fff4ce; color: #5c4400; border: 1px solid #e0c36a;"
                        " border-radius: 3px; padding: 6px; }"));
     m_banner->hide();
+    m_linkBanners = new LinkBanners(central);
 
     // Left the instruments and their buttons, right the status above the tools.
     QGroupBox* instrumentBox = BuildInstrumentBox(central);
@@ -237,6 +251,7 @@ QWidget* StudioWindow::BuildCentralWidget() {
 
     auto* layout = new QVBoxLayout(central);
     layout->addWidget(m_banner);
+    layout->addWidget(m_linkBanners);
     layout->addWidget(m_mainSplitter, 1);
     return central;
 }
@@ -364,11 +379,19 @@ void StudioWindow::UpdateSelectionState() {
     m_editButton->setEnabled(m_editAction->isEnabled());
     m_removeButton->setEnabled(m_removeAction->isEnabled());
 
-    const QString toggleText = online ? tr("Go off line") : busy ? tr("Connecting ...") : tr("Go on line");
-    m_onlineAction->setText(online ? tr("Go &off line") : tr("Go &on line"));
+    const bool reconnecting = selected && instrument->IsReconnecting();
+    const QString toggleText = online         ? tr("Go off line")
+                               : busy         ? tr("Connecting ...")
+                               : reconnecting ? tr("Retry now")
+                                              : tr("Go on line");
+    m_onlineAction->setText(online         ? tr("Go &off line")
+                            : reconnecting ? tr("&Retry now")
+                                           : tr("Go &on line"));
     m_onlineAction->setEnabled(selected && !busy && instrument->Sensor() != nullptr);
     m_onlineButton->setText(toggleText);
     m_onlineButton->setEnabled(m_onlineAction->isEnabled());
+    m_stayOfflineAction->setEnabled(reconnecting);
+    m_stayOfflineButton->setVisible(reconnecting);
 
     ISensorInfo* type = ToolSensorType();
     if (type != m_tools->SensorType()) {
@@ -401,7 +424,8 @@ void StudioWindow::RefreshStatus() {
         m_status->Refresh(nullptr, {});
         return;
     }
-    m_status->Refresh(instrument->Sensor(), instrument->Config().name);
+    m_status->Refresh(instrument->Sensor(), instrument->Config().name,
+                      instrument->IsReconnecting() ? instrument->StateText() : QString());
 }
 
 void StudioWindow::RestartTimer() {
@@ -493,6 +517,16 @@ void StudioWindow::ToggleOnline() {
         m_sensors->GoOffline(row);
     else
         m_sensors->GoOnline(row);
+    UpdateSelectionState();
+    RefreshStatus();
+}
+
+void StudioWindow::StayOffline() {
+    const int row = SelectedRow();
+    const ManagedInstrument* instrument = m_sensors->At(row);
+    if (!instrument || !instrument->IsReconnecting())
+        return;
+    m_sensors->GoOffline(row);
     UpdateSelectionState();
     RefreshStatus();
 }

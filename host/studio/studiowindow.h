@@ -14,6 +14,7 @@ class CPXRegistry;
 class DataReviewWindow;
 class QMenu;
 class InstrumentListModel;
+class LinkBanners;
 class ISensorInfo;
 class ISensorObject;
 class LogPane;
@@ -53,7 +54,11 @@ public:
     // The Data Review window (null until the tool first ran).
     DataReviewWindow* DataReview() const;
     QLabel* Banner() const { return m_banner; }
+    // The notices of instruments that dropped and came back.
+    LinkBanners* LinkNotices() const { return m_linkBanners; }
     QPushButton* OnlineButton() const { return m_onlineButton; }
+    // Shown while the selected instrument is reconnecting: ends the retries.
+    QPushButton* StayOfflineButton() const { return m_stayOfflineButton; }
     // The selected instrument's row, -1 when none.
     int SelectedRow() const;
     void SelectRow(int row);
@@ -63,6 +68,8 @@ public slots:
     void EditInstrument();
     void RemoveInstrument();
     void ToggleOnline();
+    // Ends the retries of the selected dropped instrument; it stays off line.
+    void StayOffline();
     // Runs the tool at that position of the shown sensor type's tool list.
     void RunTool(int toolIndex);
     // The method editor's actions (the Method Editor tool offers them in a menu).
@@ -102,12 +109,14 @@ private:
     QTimer m_timer;
 
     QLabel* m_banner = nullptr;
+    LinkBanners* m_linkBanners = nullptr;
     QLabel* m_summary = nullptr;
     QTableView* m_table = nullptr;
     QPushButton* m_addButton = nullptr;
     QPushButton* m_editButton = nullptr;
     QPushButton* m_removeButton = nullptr;
     QPushButton* m_onlineButton = nullptr;
+    QPushButton* m_stayOfflineButton = nullptr;
     QGroupBox* m_statusBox = nullptr;
     StatusPanel* m_status = nullptr;
     QGroupBox* m_toolBox = nullptr;
@@ -124,5 +133,6 @@ private:
     QAction* m_editAction = nullptr;
     QAction* m_removeAction = nullptr;
     QAction* m_onlineAction = nullptr;
+    QAction* m_stayOfflineAction = nullptr;
     QAction* m_aboutAction = nullptr;
 };

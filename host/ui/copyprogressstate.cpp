@@ -14,6 +14,7 @@ CCopyProgressState::Snapshot CCopyProgressState::Take() const {
 void CCopyProgressState::SetCurrentFile(const std::wstring& name) {
     std::lock_guard lock(m_mutex);
     m_state.currentFile = name;
+    m_state.note.clear();
     m_state.fileSize = -1;
     m_state.fileBytes = 0;
     ++m_state.filesStarted;
@@ -41,4 +42,14 @@ void CCopyProgressState::SetTotal(int64_t bytes, int files) {
     std::lock_guard lock(m_mutex);
     m_state.totalSize = bytes;
     m_state.totalFiles = files;
+}
+
+void CCopyProgressState::RetryFile(const std::wstring& note) {
+    std::lock_guard lock(m_mutex);
+    m_state.totalBytes -= m_state.fileBytes;
+    m_state.fileBytes = 0;
+    // The file starts again with SetCurrentFile and is counted once.
+    if (m_state.filesStarted > 0)
+        --m_state.filesStarted;
+    m_state.note = note;
 }

@@ -3,13 +3,14 @@
 // it. Every operation is thread-safe: the worker writes through ICopyProgress, the UI thread reads a
 // snapshot and sets the cancel flag.
 #include "copyprogress.h"
+#include "copyretryprogress.h"
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <string>
 
-class CCopyProgressState : public ICopyProgress {
+class CCopyProgressState : public ICopyProgress, public ICopyRetryProgress {
 public:
     struct Snapshot {
         std::wstring currentFile;
@@ -20,6 +21,7 @@ public:
         int filesStarted = 0;
         int totalFiles = -1; // negative: unknown
         bool done = false;
+        std::wstring note; // why the current file waits (a lost link); empty while it moves
     };
 
     // Back to the state of a job that has not started (the cancel flag included).
@@ -34,6 +36,7 @@ public:
     bool IsCancelled() const override { return m_cancelled.load(); }
     void SetDone() override;
     void SetTotal(int64_t bytes, int files) override;
+    void RetryFile(const std::wstring& note) override;
 
 private:
     mutable std::mutex m_mutex;

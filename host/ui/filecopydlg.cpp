@@ -105,6 +105,10 @@ void CFileCopyDlg::ShowProgress(const CCopyProgressState::Snapshot& state) {
 
     if (m_progress.IsCancelled())
         return;
+    if (!state.note.empty()) {
+        SetDlgItemText(IDC_PX_COPY_BYTES, state.note);
+        return;
+    }
     QString bytes = totalKnown
                         ? QStringLiteral("%1 of %2 copied")
                               .arg(FormatByteAmount(state.totalBytes), FormatByteAmount(state.totalSize))

@@ -8,20 +8,25 @@
 #include <stdexcept>
 #include <vector>
 
-#include <unistd.h>
-
 namespace fs = std::filesystem;
 
 TempDir::TempDir() {
     std::string base = "/tmp";
     if (const char* env = std::getenv("TMPDIR"); env && *env)
         base = env;
-    std::string templ = base + "/vexa-test-XXXXXX";
-    std::vector<char> buffer(templ.begin(), templ.end());
-    buffer.push_back('\0');
-    if (mkdtemp(buffer.data()) == nullptr)
-        throw std::runtime_error("cannot create a temporary folder under " + base);
-    m_path = buffer.data();
+    // create_directory makes the folder only when it is new, so two processes never share one.
+    std::random_device seed;
+    std::mt19937_64 random(seed());
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        std::ostringstream name;
+        name << base << "/vexa-test-" << std::hex << (random() & 0xFFFFFFFFFFull);
+        std::error_code ec;
+        if (fs::create_directory(name.str(), ec)) {
+            m_path = name.str();
+            return;
+        }
+    }
+    throw std::runtime_error("cannot create a temporary folder under " + base);
 }
 
 TempDir::~TempDir() {

@@ -73,15 +73,6 @@ std::string RestAfterWords(const std::string& line, std::size_t count) {
     return at == std::string::npos ? std::string() : line.substr(at);
 }
 
-// The first word of a command line, without the quotes that may hold it together.
-std::string FirstWord(const std::string& line) {
-    if (!line.empty() && line.front() == '"') {
-        const std::size_t close = line.find('"', 1);
-        return line.substr(1, close == std::string::npos ? std::string::npos : close - 1);
-    }
-    return line.substr(0, line.find_first_of(" \t"));
-}
-
 // Decimal, or hexadecimal with "0x".
 bool ParseNumber(const std::string& text, std::uint32_t* value) {
     int base = 10;
@@ -195,7 +186,7 @@ Result CommandLanguage::Method(const std::string& commandLine, const std::vector
     const std::string methodLine = RestAfterWords(commandLine, 2);
     if (words.size() < 3 || words[1] != "run" || methodLine.empty())
         return Usage("method run <command line> | method stop");
-    const std::string first = FirstWord(methodLine);
+    const std::string first = QuotedWords(methodLine).front();
     if (m_acquisitions != nullptr && AcquisitionService::IsMethodName(first)) {
         std::string problem;
         const std::uint32_t status = m_acquisitions->Start(first, methodLine, &problem);

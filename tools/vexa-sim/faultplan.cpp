@@ -1,5 +1,6 @@
 #include "faultplan.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace {
@@ -22,6 +23,18 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
         (name == "oversize" ? oversize : name == "backup-abort" ? backupAbort : backupHang) = true;
         return true;
     }
+    if (hasValue && name == "outage") {
+        const std::size_t colon = value.find(':');
+        Outage outage;
+        if (colon == std::string::npos || !ParseNumber(value.substr(0, colon), &outage.afterMs) ||
+            !ParseNumber(value.substr(colon + 1), &outage.forMs) || outage.forMs == 0 ||
+            outage.afterMs > UINT32_MAX || outage.forMs > UINT32_MAX) {
+            *problem = "malformed fault \"" + fault + "\" (outage=AFTER_MS:FOR_MS)";
+            return false;
+        }
+        outages.push_back(outage);
+        return true;
+    }
     std::size_t count = 0;
     if (!hasValue || !ParseNumber(value, &count)) {
         *problem = "unknown or malformed fault \"" + fault + "\"";
@@ -37,6 +50,8 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
         replyStatus = static_cast<std::uint32_t>(count);
     } else if (name == "drop-after-frames") {
         dropAfterFrames = count;
+    } else if (name == "rate" && count > 0 && count <= 10'000'000) {
+        rateKibPerSecond = static_cast<unsigned>(count);
     } else if (name == "backup-slow" && count <= 60000) {
         backupSlowMilliseconds = static_cast<unsigned>(count);
     } else {
@@ -48,7 +63,8 @@ bool FaultPlan::Add(const std::string& fault, std::string* problem) {
 
 bool FaultPlan::empty() const {
     return !stallAfterBytes && !trickleMilliseconds && !closeMidFrameBytes && !oversize && !replyStatus &&
-           !dropAfterFrames && !backupAbort && !backupHang && backupSlowMilliseconds == 0;
+           !dropAfterFrames && !backupAbort && !backupHang && backupSlowMilliseconds == 0 &&
+           outages.empty() && !rateKibPerSecond;
 }
 
 std::string FaultPlan::Describe() const {
@@ -72,5 +88,39 @@ std::string FaultPlan::Describe() const {
         add("backup-hang");
     if (backupSlowMilliseconds > 0)
         add("backup-slow=" + std::to_string(backupSlowMilliseconds));
+    if (rateKibPerSecond)
+        add("rate=" + std::to_string(*rateKibPerSecond));
+    for (const Outage& outage : outages)
+        add("outage=" + std::to_string(outage.afterMs) + ":" + std::to_string(outage.forMs));
     return text;
+}
+
+bool FaultPlan::InOutage(std::uint64_t sinceStartMs, std::uint64_t* unchangedForMs) const {
+    bool down = false;
+    std::uint64_t until = UINT64_MAX;
+    for (const Outage& outage : outages) {
+        const std::uint64_t end = outage.afterMs + outage.forMs;
+        if (sinceStartMs < outage.afterMs)
+            until = std::min(until, outage.afterMs - sinceStartMs);
+        else if (sinceStartMs < end)
+            down = true;
+    }
+    if (down) {
+        // Overlapping outages join: up again once none covers the moment.
+        std::uint64_t upAt = sinceStartMs;
+        for (bool extended = true; extended;) {
+            extended = false;
+            for (const Outage& outage : outages) {
+                const std::uint64_t end = outage.afterMs + outage.forMs;
+                if (outage.afterMs <= upAt && upAt < end) {
+                    upAt = end;
+                    extended = true;
+                }
+            }
+        }
+        until = upAt - sinceStartMs;
+    }
+    if (unchangedForMs)
+        *unchangedForMs = until;
+    return down;
 }

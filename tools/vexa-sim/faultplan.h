@@ -9,12 +9,16 @@
 //   backup-abort         the next backup fails after packing one file ("aborted")
 //   backup-hang          the next backup never ends and never notifies
 //   backup-slow=MS       every backup waits MS ms after each entry it packs
+//   rate=KIB            send the file service's frames at no more than KIB KiB/s (a slow field link)
+//   outage=AFTER:FOR     AFTER ms after the start, close every connection and refuse new ones for FOR
+//                        ms (repeatable; each counted from the start). Commands are not exempt.
 // The command language (request command 8) is exempt from the file-service faults, so status polling
 // on the instrument's second connection keeps working while the file service misbehaves.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 class FaultPlan {
 public:
@@ -35,4 +39,14 @@ public:
     bool backupAbort = false;
     bool backupHang = false;
     unsigned backupSlowMilliseconds = 0;
+    std::optional<unsigned> rateKibPerSecond;
+
+    struct Outage {
+        std::uint64_t afterMs = 0;
+        std::uint64_t forMs = 0;
+    };
+    std::vector<Outage> outages;
+    // Whether an outage covers `sinceStartMs`, and how long the present state lasts at most (until
+    // the next outage begins or the present one ends; UINT64_MAX when nothing changes any more).
+    bool InOutage(std::uint64_t sinceStartMs, std::uint64_t* unchangedForMs) const;
 };

@@ -76,6 +76,9 @@ bool FrameSender::Send(const Frame& frame, bool faulted) {
     if (count < bytes.size())
         note = "cut after " + std::to_string(count) + " of " + std::to_string(bytes.size()) + " bytes";
     m_log.Frame(m_connection, false, sent.header, note);
+    if (m_faults.rateKibPerSecond)
+        std::this_thread::sleep_for(
+            std::chrono::microseconds(count * 1'000'000 / (*m_faults.rateKibPerSecond * 1024ull)));
     if (!Write(bytes.data(), count, m_faults.trickleMilliseconds.has_value())) {
         m_open = false;
         return false;

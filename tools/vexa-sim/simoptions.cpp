@@ -108,5 +108,8 @@ std::string SimOptions::Usage() {
            "  --fault FAULT  stall-after=N | trickle=MS | close-mid-frame=N | oversize |\n"
            "                 reply-status=S | drop-after-frames=N\n"
            "                 (repeatable; applies to the file service, not to commands)\n"
-           "                 backup-abort | backup-hang | backup-slow=MS (the instrument's backup)\n";
+           "                 backup-abort | backup-hang | backup-slow=MS (the instrument's backup)\n"
+           "                 rate=KIB (file data at no more than KIB KiB/s)\n"
+           "                 outage=AFTER_MS:FOR_MS (every connection closed and new ones refused,\n"
+           "                 counted from the start; repeatable)\n";
 }

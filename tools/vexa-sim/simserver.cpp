@@ -1,7 +1,9 @@
 #include "simserver.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <netinet/in.h>
 #include <poll.h>
@@ -27,6 +29,8 @@ SimServer::~SimServer() {
 }
 
 bool SimServer::Listen(const std::string& address, std::uint16_t port, std::string* problem) {
+    m_address = address;
+    m_port = port;
     sockaddr_in socketAddress{};
     socketAddress.sin_family = AF_INET;
     socketAddress.sin_port = htons(port);
@@ -52,18 +56,44 @@ bool SimServer::Listen(const std::string& address, std::uint16_t port, std::stri
 }
 
 void SimServer::Serve(int wakeFd) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
     for (;;) {
-        pollfd watched[2] = {{m_listenFd, POLLIN, 0}, {wakeFd, POLLIN, 0}};
-        const int ready = ::poll(watched, 2, 1000);
+        const auto sinceStart =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+        std::uint64_t unchangedMs = 0;
+        const bool down = m_services.faults.InOutage(static_cast<std::uint64_t>(sinceStart), &unchangedMs);
+        if (down && m_listenFd >= 0) {
+            m_services.log.Note("outage: every connection closed, new ones refused for " +
+                                std::to_string(unchangedMs) + " ms");
+            ::close(m_listenFd);
+            m_listenFd = -1;
+            StopAll();
+        } else if (!down && m_listenFd < 0) {
+            if (!Relisten())
+                break;
+            m_services.log.Note("outage over: accepting connections again");
+        }
+        pollfd watched[2] = {{wakeFd, POLLIN, 0}, {m_listenFd, POLLIN, 0}};
+        const int timeout = static_cast<int>(std::min<std::uint64_t>(unchangedMs, 1000));
+        const int ready = ::poll(watched, m_listenFd >= 0 ? 2 : 1, timeout);
         if (ready < 0 && errno != EINTR)
             break;
-        if (watched[1].revents)
+        if (watched[0].revents)
             break;
-        if (ready > 0 && (watched[0].revents & POLLIN))
+        if (ready > 0 && m_listenFd >= 0 && (watched[1].revents & POLLIN))
             Accept();
         ReapFinished();
     }
     StopAll();
+}
+
+bool SimServer::Relisten() {
+    std::string problem;
+    if (Listen(m_address, m_port, &problem))
+        return true;
+    m_services.log.Note("cannot listen again after the outage: " + problem);
+    return false;
 }
 
 void SimServer::Accept() {

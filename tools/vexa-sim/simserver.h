@@ -19,7 +19,8 @@ public:
     // Binds and listens; false with the reason (the error number and its meaning) on failure.
     bool Listen(const std::string& address, std::uint16_t port, std::string* problem);
     // Accepts connections until `wakeFd` becomes readable (the signal handler writes to it), then
-    // ends every connection and waits for their threads.
+    // ends every connection and waits for their threads. During an outage of the fault plan the port
+    // is closed (connects are refused) and every connection ended.
     void Serve(int wakeFd);
 
 private:
@@ -30,11 +31,14 @@ private:
     };
 
     void Accept();
+    bool Relisten();
     void ReapFinished();
     void StopAll();
 
     SimServices m_services;
     int m_listenFd = -1;
+    std::string m_address;
+    std::uint16_t m_port = 0;
     int m_nextId = 1;
     std::mutex m_mutex; // guards the `done` flags
     std::list<Worker> m_workers;

@@ -1,6 +1,7 @@
 // vexa cp [-r] SRC DST: files or whole folders between this computer and instruments, either way,
 // through the folder list's copy and the copy job.
 #include "cmd_filesupport.h"
+#include "retryoption.h"
 
 #include "filecopy.h"
 #include "hostsessions.h"
@@ -42,12 +43,16 @@ struct Lane {
 };
 
 // A lane's progress goes to the one terminal line; the totals and the end belong to the whole copy.
-class LaneProgress : public ICopyProgress {
+class LaneProgress : public ICopyProgress, public ICopyRetryProgress {
 public:
     explicit LaneProgress(ICopyProgress& shared) : m_shared(shared) {}
     void SetCurrentFile(const std::wstring& name) override { m_shared.SetCurrentFile(name); }
     void SetFileSize(int64_t bytes) override { m_shared.SetFileSize(bytes); }
     void AddBytes(int64_t bytes) override { m_shared.AddBytes(bytes); }
+    void RetryFile(const std::wstring& note) override {
+        if (auto* retry = dynamic_cast<ICopyRetryProgress*>(&m_shared))
+            retry->RetryFile(note);
+    }
     bool IsCancelled() const override { return m_shared.IsCancelled(); }
     void SetDone() override {}
     void SetTotal(int64_t, int) override {}
@@ -121,6 +126,7 @@ bool MakeLanes(const CliContext& ctx, const CpArgs& args, const FileOperand& fro
         lane.destination =
             std::make_unique<CVexaFileList>(lane.toSensor, CVexaFileList::FolderArgument(to.host, target));
         lane.job = std::make_unique<CopyJob>(*lane.source, *lane.destination);
+        lane.job->SetRetry(TransferRetryFor());
         lanes->push_back(std::move(lane));
     }
     return true;

@@ -3,12 +3,11 @@
 #include "ftperror.h"
 #include "sensoraddress.h"
 #include "text.h"
+#include "timeformat.h"
 #include "winsockerror.h"
 
 #include <cerrno>
 #include <ctime>
-
-#include <curl/curl.h>
 
 nlohmann::ordered_json EntryJson(const FileInfo& entry) {
     return {{"name", ToUtf8(entry.name)}, {"size", entry.size},        {"folder", entry.IsFolder()},
@@ -19,7 +18,7 @@ nlohmann::ordered_json EntryJson(const FileInfo& entry) {
 std::string EntryTimeText(int64_t microseconds) {
     const time_t seconds = time_t(microseconds / 1000000);
     tm local{};
-    localtime_r(&seconds, &local);
+    ToLocalTime(seconds, &local);
     char text[32];
     std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local);
     return text;
@@ -48,12 +47,9 @@ bool IsUnreachableError(int error) {
     case kWsaHostUnreach:
     case kWsaNetUnreach:
     case kWsaHostDown:
-    case kFtpCurlErrorBase + CURLE_COULDNT_RESOLVE_HOST:
-    case kFtpCurlErrorBase + CURLE_COULDNT_CONNECT:
-    case kFtpCurlErrorBase + CURLE_OPERATION_TIMEDOUT:
         return true;
     default:
-        return false;
+        return IsFtpUnreachableError(error);
     }
 }
 

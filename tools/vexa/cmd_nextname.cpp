@@ -1,6 +1,7 @@
 // vexa next-name: the next free numbered file name in a folder kind, on the PC and the instrument.
 #include "cli.h"
 
+#include "processenv.h"
 #include "text.h"
 #include "vexasensorobject.h"
 
@@ -24,7 +25,7 @@ void AddNextNameCommand(CLI::App& app, CliContext& ctx) {
     cmd->add_option("DIGITS", args->digits, "Number of digits")->required()->check(CLI::Range(1, 18));
     cmd->callback([&ctx, args] {
         if (!args->root.empty())
-            setenv("VEXA_DATA_ROOT", args->root.c_str(), 1);
+            SetProcessEnvironment("VEXA_DATA_ROOT", args->root);
         CliSession session;
         std::wstring host = HostOperand(args->host);
         if (!session.Create(host)) {

@@ -4,13 +4,17 @@
 #include "commsensor.h"
 #include "pumpwait.h"
 #include "sensorlink.h"
+#include "sensorwait.h"
 #include "text.h"
+#include "timeformat.h"
 #include "vexasensorobject.h"
 #include "winsockerror.h"
 
 #include <nlohmann/json.hpp>
 
 #include <atomic>
+#include <chrono>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -84,6 +88,17 @@ bool StdoutIsTerminal() {
 #endif
 }
 
+int64_t NowMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+// "14:02:11" in local time.
+std::string ClockText(int64_t timeMs) {
+    return ToUtf8(FormatTime(timeMs, PXLocalTimeDiff(timeMs) / 60));
+}
+
 // Polls until the sensor holds its first snapshot; false when it went off line or the time ran out.
 bool WaitForFirstSnapshot(VEXASensorObject& sensor) {
     IChannel* channel = sensor.GetChannel();
@@ -151,8 +166,18 @@ int RunStatus(CliContext& ctx, const std::string& hostText, bool json, bool watc
             break;
         sensor.OnTimer(0); // one status and one events command, each bounded by the link's limits
         if (!sensor.IsOnline(true)) {
-            PrintError(ctx, hostText + ": lost the instrument", StatusError(sensor));
-            return kExitUnreachable;
+            // Rides through the drop: the gap is marked on stderr, the readings go on when it is back.
+            const int64_t lostAt = NowMs();
+            PrintError(ctx, hostText + ": lost the instrument at " + ClockText(lostAt) + "; reconnecting",
+                       StatusError(sensor));
+            SensorWait wait;
+            wait.maxWaitMs = INT_MAX;
+            wait.cancelled = [] { return g_interrupted.load(); };
+            if (!wait.UntilOnline(sensor) || !WaitForFirstSnapshot(sensor))
+                return g_interrupted ? kExitOk : kExitUnreachable;
+            if (!ctx.options.quiet)
+                std::cerr << "vexa: " << hostText << ": back at " << ClockText(NowMs()) << " after "
+                          << ToUtf8(FormatElapsed((NowMs() - lostAt) / 1000)) << "; no readings in between\n";
         }
         if (!clearScreen && !json)
             std::cout << "\n";

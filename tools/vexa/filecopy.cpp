@@ -5,6 +5,7 @@
 #include "interruptguard.h"
 #include "paths.h"
 #include "remotename.h"
+#include "retryoption.h"
 #include "stdiofile.h"
 #include "systemaccess.h"
 #include "terminalprogress.h"
@@ -161,7 +162,7 @@ CopyOutcome CopyOneFile(const CliContext& ctx, const FileOperand& source, const 
                              CVexaFileList::FolderArgument(source.host, FolderOfPath(source.path)), false);
     CVexaFileList destinationList(plan.destinationSensor,
                                   CVexaFileList::FolderArgument(destination.host, plan.folder), false);
-    if (!destinationList.CopyIn(plan.entry, sourceList, &progress, plan.name)) {
+    if (!TransferRetryFor().CopyIn(destinationList, plan.entry, sourceList, &progress, plan.name)) {
         PrintFileError(ctx, plan.what, destinationList.LastError(), destinationList.LastErrorText());
         return CopyOutcome{ExitCodeFor(destinationList.LastError())};
     }

@@ -1,8 +1,13 @@
 // vexa: the instrument's files and status from a terminal, through the module's own back ends.
 #include "cli.h"
+#include "retryoption.h"
 #include "vexaversion.h"
 
+#include "processenv.h"
+
 #include <iostream>
+#include <string>
+#include <vector>
 
 int main(int argc, char** argv) {
     CliContext ctx;
@@ -15,13 +20,22 @@ int main(int argc, char** argv) {
     app.add_flag("--json", ctx.options.json, "Print machine-readable results");
     app.add_flag("-q,--quiet", ctx.options.quiet, "Print nothing but results and errors");
     app.add_flag("-v,--verbose", ctx.options.verbose, "Say more about what happens");
+    app.add_option("--retry", RetryOption(),
+                   "Try a file again up to N times when its link to the instrument fails, once the "
+                   "instrument is back (default: the setting Transfers/Retries, else 3; 0: never)")
+        ->check(CLI::Range(0, 1000));
     app.require_subcommand(1);
 
     for (auto add : CliCommands())
         add(app, ctx);
 
+    UseBinaryStandardStreams();
+    std::vector<std::string> arguments = Utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
     try {
-        app.parse(argc, argv);
+        app.parse(static_cast<int>(pointers.size()), pointers.data());
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {

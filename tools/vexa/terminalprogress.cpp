@@ -40,7 +40,8 @@ std::string Clock(double seconds) {
 } // namespace
 
 TerminalProgress::TerminalProgress(const CliContext& ctx)
-    : m_enabled(!ctx.options.quiet && isatty(STDERR_FILENO) != 0), m_start(TickCount()) {}
+    : m_enabled(!ctx.options.quiet && isatty(STDERR_FILENO) != 0), m_quiet(ctx.options.quiet),
+      m_start(TickCount()) {}
 
 TerminalProgress::~TerminalProgress() {
     std::lock_guard lock(m_mutex);
@@ -73,6 +74,20 @@ void TerminalProgress::AddBytes(int64_t bytes) {
     m_fileBytes += bytes;
     if (TickCount() - m_lastDraw >= 100)
         Draw(false);
+}
+
+void TerminalProgress::RetryFile(const std::wstring& note) {
+    std::lock_guard lock(m_mutex);
+    m_total -= m_fileBytes;
+    m_fileBytes = 0;
+    if (m_filesStarted > 0)
+        --m_filesStarted;
+    if (m_quiet)
+        return;
+    std::cerr << (m_drawn ? "\r\x1b[K" : "") << "vexa: " << ToUtf8(LastPathPart(m_file)) << ": "
+              << ToUtf8(note) << "\n"
+              << std::flush;
+    m_drawn = false;
 }
 
 bool TerminalProgress::IsCancelled() const {

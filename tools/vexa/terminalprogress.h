@@ -3,13 +3,14 @@
 // is a terminal and the run is not quiet. Cancelled by Ctrl+C (see InterruptGuard). Thread-safe.
 #include "cli.h"
 #include "copyprogress.h"
+#include "copyretryprogress.h"
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <string>
 
-class TerminalProgress : public ICopyProgress {
+class TerminalProgress : public ICopyProgress, public ICopyRetryProgress {
 public:
     explicit TerminalProgress(const CliContext& ctx);
     ~TerminalProgress() override;
@@ -20,6 +21,8 @@ public:
     bool IsCancelled() const override;
     void SetDone() override;
     void SetTotal(int64_t bytes, int files) override;
+    // Says why on stderr (unless quiet), on a line of its own even without a terminal.
+    void RetryFile(const std::wstring& note) override;
 
     int64_t BytesMoved() const { return m_total.load(); }
 
@@ -27,6 +30,7 @@ private:
     void Draw(bool final);
 
     bool m_enabled;
+    bool m_quiet;
     mutable std::mutex m_mutex;
     std::wstring m_file;
     int64_t m_fileSize = -1;

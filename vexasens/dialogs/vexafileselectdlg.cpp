@@ -7,10 +7,12 @@
 #include "fileinfo.h"
 #include "fileselectrules.h"
 #include "filetext.h"
+#include "linkresource.h"
 #include "nofocusbutton.h"
 #include "paths.h"
 #include "remotename.h"
 #include "resource.h"
+#include "sensornotifyevent.h"
 #include "sensorobject.h"
 #include "systemaccess.h"
 #include "ui_dialog1704.h"
@@ -43,6 +45,8 @@ CVexaFileSelectDlg::CVexaFileSelectDlg(ISensorObject& sensor, uint32_t flags, co
 }
 
 CVexaFileSelectDlg::~CVexaFileSelectDlg() {
+    m_observer.SetWnd(nullptr);
+    m_observer.SetSensor(nullptr);
     m_lists[kPcSide].reset();
     m_lists[kInstrumentSide].reset();
 }
@@ -102,6 +106,10 @@ bool CVexaFileSelectDlg::OnInitDialog() {
     FillDriveBox();
     if (!OpenStartSide())
         return true;
+    m_observer.SetSensor(m_sensor.get());
+    m_observer.SetSensorMask(kEventMaskState, 1);
+    m_observer.SetAllDeviceMasks(kEventMaskReserved, 1);
+    m_observer.SetWnd(this, CSensorNotifyEvent::kDefaultType);
 
     if (auto* up = qobject_cast<CPXNoFocusButton*>(GetDlgItem(IDC_SELECT_UP)))
         up->SetIcon(VexaIcon(IDI_UP_FOLDER));
@@ -333,7 +341,7 @@ void CVexaFileSelectDlg::ShowSelection() {
 }
 
 void CVexaFileSelectDlg::OnNameChanged() {
-    EnableControl(IDOK, !m_nameEdit->text().isEmpty());
+    EnableControl(IDOK, !m_nameEdit->text().isEmpty() && !(m_away && m_side == kInstrumentSide));
 }
 
 // ---- Alt+H ----
@@ -357,4 +365,59 @@ bool CVexaFileSelectDlg::ShowAllEntries() {
         InstrumentFailed(m_remoteFolder, ListingError(kInstrumentSide));
     FillList();
     return true;
+}
+
+// ---- the instrument dropping and coming back ----
+
+void CVexaFileSelectDlg::customEvent(QEvent* event) {
+    if (event->type() == static_cast<QEvent::Type>(CSensorNotifyEvent::kDefaultType)) {
+        const uint32_t code = static_cast<CSensorNotifyEvent*>(event)->SensorEvent().code;
+        if (code == kSensorEventOffline || code == kSensorEventOnline)
+            OnInstrumentState();
+        return;
+    }
+    CDialog_::customEvent(event);
+}
+
+void CVexaFileSelectDlg::EnableInstrumentCommands(bool on) {
+    if (m_side != kInstrumentSide)
+        return;
+    for (int id : {IDC_SELECT_UP, IDC_SELECT_NEW_FOLDER, IDC_SELECT_MANAGE_FILES})
+        EnableControl(id, on);
+    EnableControl(IDOK, on && !m_nameEdit->text().isEmpty());
+}
+
+void CVexaFileSelectDlg::OnInstrumentState() {
+    const bool online = m_sensor->IsOnline(true);
+    if (!online && !m_away && !m_host.empty()) {
+        m_away = true;
+        m_awayHost = m_host;
+        m_online = false;
+        if (m_side == kInstrumentSide) {
+            m_list->DeleteAllItems();
+            EnableInstrumentCommands(false);
+            SetDlgItemText(IDC_SELECT_DESCRIPTION, FormatString(IDS_INSTRUMENT_AWAY, m_host.c_str()));
+        } else {
+            EnableControl(IDC_SELECT_INSTRUMENT, false);
+            FillDriveBox();
+        }
+        return;
+    }
+    if (!online || !m_away)
+        return;
+    m_away = false;
+    m_online = true;
+    m_host = m_awayHost;
+    EnableControl(IDC_SELECT_INSTRUMENT,
+                  ChooseSelectLocation(m_flags, true, m_startRemote).instrumentEnabled);
+    FillDriveBox();
+    if (m_side != kInstrumentSide)
+        return;
+    // Back in the folder it showed; a folder that went with the outage falls back as on opening.
+    if (!ReadInstrument(m_remoteFolder)) {
+        InstrumentFailed(m_remoteFolder, ListingError(kInstrumentSide));
+        return;
+    }
+    EnableInstrumentCommands(true);
+    FillList();
 }

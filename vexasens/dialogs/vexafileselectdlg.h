@@ -10,6 +10,7 @@
 // User-interface thread only.
 #include "dialog.h"
 #include "sensorref.h"
+#include "wsensorobserver.h"
 
 #include <cstdint>
 #include <memory>
@@ -67,6 +68,9 @@ public:
     // ---- state, for tests ----
     int CheckedSide() const { return m_side; }
     bool IsInstrumentOnline() const { return m_online; }
+    // The instrument dropped off line by itself after the dialog had it: the dialog says so, keeps the
+    // instrument folder and reads it again when the instrument comes back.
+    bool IsInstrumentAway() const { return m_away; }
     // The checked side's folder: a PC path, or an instrument path ("/Data") on the instrument.
     std::wstring CurrentFolder() const;
     CVexaFileList* Listing(int side) const;
@@ -81,6 +85,7 @@ protected:
     void OnOK() override;
     void OnCommand(int id) override;
     void timerEvent(QTimerEvent* event) override;
+    void customEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -107,6 +112,10 @@ private:
     // A listing of the instrument failed after opening: says why, and leaves the instrument when it
     // went off line.
     void InstrumentFailed(const std::wstring& folder, int error);
+    // The sensor's on-line state changed (a posted notification).
+    void OnInstrumentState();
+    // Enables what needs the instrument on its side, or disables it while it is away.
+    void EnableInstrumentCommands(bool on);
     std::wstring FolderMessage(int textId, const std::wstring& folder, int error) const;
     std::wstring SideFolder(int side) const;
     std::wstring FullName(const std::wstring& folder, const std::wstring& name, bool instrument) const;
@@ -116,6 +125,9 @@ private:
     const FileInfo* EntryAtRow(int row) const;
 
     SensorRef<> m_sensor;
+    WSensorObserver m_observer;
+    bool m_away = false;
+    std::wstring m_awayHost;
     uint32_t m_flags;
     std::wstring m_filter;
     std::wstring m_title;

@@ -1,15 +1,7 @@
 #include "ftperror.h"
 
-#include "text.h"
-
-#include <curl/curl.h>
-
-#include <cwctype>
-
-namespace {
-
 // Meanings of the FTP reply codes that refuse a command (RFC 959 and RFC 3659).
-std::wstring ReplyMeaning(int code) {
+std::wstring FtpReplyMeaning(int code) {
     switch (code) {
     case 421:
         return L"FTP service not available, connection closed";
@@ -55,19 +47,4 @@ std::wstring ReplyMeaning(int code) {
     if (code >= 500 && code < 600)
         return L"FTP server refused the command";
     return {};
-}
-
-} // namespace
-
-std::wstring FtpErrorMeaning(int code) {
-    if (code >= kFtpCurlErrorBase && code < kFtpCurlErrorLimit) {
-        const int curlCode = code - kFtpCurlErrorBase;
-        if (curlCode <= 0 || curlCode >= CURL_LAST)
-            return {};
-        std::wstring meaning = FromUtf8(curl_easy_strerror(static_cast<CURLcode>(curlCode)));
-        if (!meaning.empty())
-            meaning[0] = static_cast<wchar_t>(towlower(meaning[0]));
-        return L"FTP: " + meaning;
-    }
-    return ReplyMeaning(code);
 }

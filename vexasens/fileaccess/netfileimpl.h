@@ -1,9 +1,10 @@
 #pragma once
 // The FTP back end of StdioFile for a file on an instrument, used when the instrument link does not
-// reach the instrument. Reading and writing stream through a small buffer whatever the file's size.
+// reach the instrument. Reading and writing stream whatever the file's size: on Windows through
+// WinINet's own FTP functions, elsewhere through libcurl and a small buffer.
 //
 // Thread rule: one thread at a time (the copy worker or the user-interface thread). Calls block for
-// at most the FTP time limits (see ftpconnection.h); they pump no window messages.
+// at most the FTP time limits (FtpStallTimeout); they pump no window messages.
 #include "stdiofile.h"
 
 #include <cstddef>
@@ -48,22 +49,27 @@ public:
 private:
     static size_t OnReceive(char* data, size_t size, size_t count, void* self);
     static size_t OnSend(char* data, size_t size, size_t count, void* self);
-    void OpenForReading(bool ascii);
+    void OpenForReading(const std::wstring& file, bool ascii);
     void OpenForWriting(const std::wstring& file, bool ascii);
+    void Open(const std::wstring& file, unsigned long access, bool ascii);
     void FlushPendingText();
     std::size_t Buffered() const { return m_buffer.size() - m_head; }
     void Append(const char* data, std::size_t size);
     std::size_t Take(char* out, std::size_t size);
     void ReleaseBuffer();
 
+    // The platform's FTP connection: libcurl's handles (ftpconnection.h), or WinINet's session,
+    // connection and file handles with the last error (netfileimpl_win.cpp).
     std::unique_ptr<FtpConnection> m_connection;
     bool m_writing = false;
     bool m_open = false;
+    int m_length = -1;
+    std::string m_pendingText;
+
+    // libcurl streaming state; WinINet streams by itself and leaves these alone.
     bool m_transferStarted = false; // bytes arrived (reading) or libcurl asked for bytes (writing)
     bool m_paused = false;          // a data callback paused libcurl: buffer full (reading) or empty
     bool m_endOfData = false;       // writing: no more bytes will come, the upload may end
-    int m_length = -1;
-    std::string m_pendingText;
     std::string m_buffer;
     std::size_t m_head = 0;
     std::size_t m_peakBuffered = 0;

@@ -181,7 +181,7 @@ bool CopyJob::RunNode(Node& node, ICopyProgress* progress) {
             m_cancelled = true;
             return false;
         }
-        if (node.destination->CopyIn(item.entry, *node.source, progress, item.destinationName)) {
+        if (m_retry.CopyIn(*node.destination, item.entry, *node.source, progress, item.destinationName)) {
             ++m_copied;
             continue;
         }

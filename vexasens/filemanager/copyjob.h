@@ -11,6 +11,7 @@
 //   another thread and must be thread-safe (see ICopyProgress).
 #include "copyprogress.h"
 #include "fileinfo.h"
+#include "transferretry.h"
 
 #include <cstdint>
 #include <functional>
@@ -80,6 +81,9 @@ public:
     BuildResult Build(const std::vector<FileInfo>& selection, bool mayCopyDataFiles,
                       const OverwriteQuestion& ask);
 
+    // How a file whose link failed is tried again (default: not at all). Set before Run.
+    void SetRetry(const TransferRetry& retry) { m_retry = retry; }
+
     // Copies everything, depth first, and marks `progress` done at the end. Stops as soon as the
     // progress object is cancelled. True when every entry was copied; Failures() lists the others.
     bool Run(ICopyProgress* progress);
@@ -100,6 +104,7 @@ private:
     void Fail(const std::wstring& name, int error, const std::wstring& text);
 
     Node m_top;
+    TransferRetry m_retry{.retries = 0, .wait = {}};
     bool m_mayCopyDataFiles = false;
     const OverwriteQuestion* m_ask = nullptr;
     OverwriteAnswer m_toAll = OverwriteAnswer::kNo;

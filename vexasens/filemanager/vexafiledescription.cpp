@@ -5,6 +5,7 @@
 #include "pxresource.h"
 #include "resource.h"
 #include "text.h"
+#include "timeformat.h"
 #include "vexafilekinds.h"
 
 #include <ctime>
@@ -34,13 +35,8 @@ constexpr KindByType kKinds[] = {
 std::wstring LocalTimeText(int64_t microseconds) {
     const std::time_t seconds = static_cast<std::time_t>(microseconds / 1000000);
     std::tm parts{};
-#ifdef _WIN32
-    if (localtime_s(&parts, &seconds) != 0)
+    if (!ToLocalTime(seconds, &parts))
         return {};
-#else
-    if (localtime_r(&seconds, &parts) == nullptr)
-        return {};
-#endif
     wchar_t text[32] = {};
     if (std::wcsftime(text, sizeof text / sizeof text[0], L"%Y-%m-%d %H:%M", &parts) == 0)
         return {};

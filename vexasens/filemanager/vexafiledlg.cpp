@@ -586,10 +586,14 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
         return;
     }
     if (what == VexaBackup::Notification::StateChange) {
+        const bool wasOnline = m_online;
         m_online = m_sensor->GetSensorState() == kSensorOnline;
         m_remotePane.SetHost(m_sensor->GetSensorAddress().GetHostname());
         if (m_remotePane.Host().empty())
             m_online = false;
+        // Gone while shown: the pane waits for it in its folder.
+        m_remotePane.SetAway(!m_online && !m_remotePane.Host().empty() &&
+                             (wasOnline || m_remotePane.IsAway()));
         if (!m_online)
             EnableControl(IDC_FILEMGR_COPY_TO_REMOTE, false);
         UpdateInstrumentButtons();
@@ -608,4 +612,7 @@ void CVexaFileDlg::OnSensorNotification(uint32_t code, const std::wstring& text)
     // Both panes show what is there now, the instrument first.
     RefreshRemotePane();
     RefreshLocalPane();
+    // Back again: the selection's copy button comes back with the instrument.
+    if (what == VexaBackup::Notification::StateChange && m_activePane != kNoPane)
+        UpdateButtons(m_activePane, true);
 }

@@ -78,6 +78,7 @@ void CVexaFileDlg::Copy(int fromPane) {
     }
 
     CopyJob job(*source, *destination);
+    job.SetRetry({.retries = TransferRetry::RetriesFromSettings(), .wait = {}});
     const OverwriteQuestion ask = [this](const OverwriteCase& overwrite) {
         OverwriteSubject subject;
         subject.name = overwrite.replacement.name;

@@ -2,6 +2,7 @@
 
 #include "dialog.h"
 #include "explorerctrl.h"
+#include "linkresource.h"
 #include "paths.h"
 #include "pxformat.h"
 #include "remotename.h"
@@ -80,12 +81,16 @@ void CVexaFilePane::Fill() {
         m_view->AddItem(*m_list->Entry(i), i);
     m_view->SetSortIndicator(m_list->GetSortColumn(), m_list->IsDescending());
     m_folderText = m_list->Folder();
+    if (IsAway()) {
+        m_statusText = PXFormat(CDialog_::LoadString(IDS_INSTRUMENT_AWAY).c_str(), m_host.c_str());
+        return;
+    }
     // The count is the view's, so ".." counts as an object.
     m_statusText = PXFormat(CDialog_::LoadString(IDS_OBJECT_COUNT).c_str(), m_view->GetItemCount());
 }
 
 bool CVexaFilePane::CanGoUp() const {
-    if (!m_list)
+    if (!m_list || IsAway())
         return false;
     const FileInfo* first = m_list->Entry(0);
     if (first)

@@ -60,6 +60,10 @@ public:
     // What the dialog exchanges with the pane's folder edit and status line.
     std::wstring& FolderText() { return m_folderText; }
     std::wstring& StatusText() { return m_statusText; }
+    // An instrument pane whose instrument dropped off line while shown: it says so instead of showing
+    // an empty folder, keeps its folder for the return and offers nothing that needs the instrument.
+    bool IsAway() const { return m_away; }
+    void SetAway(bool away) { m_away = away; }
     // Whether "up one folder" leads anywhere: the list starts with "..", or the folder could not be read
     // and has a parent (the user must not be stuck in a folder that cannot be listed).
     bool CanGoUp() const;
@@ -90,5 +94,6 @@ private:
     std::wstring m_folderText;
     std::wstring m_statusText;
     bool m_readFailed = false;
+    bool m_away = false;
     bool m_changed = false;
 };

@@ -1,5 +1,6 @@
 #include "stringtable.h"
 
+#include "linkresource.h"
 #include "resource.h"
 
 namespace {
@@ -170,6 +171,8 @@ const PXStringEntry kStrings[] = {
      L"Data Files (*.vxs;*.vxz; *.vxsu; *.vqz;*.vqs;*.acq)|*.vxs;*.vxz;*.vxsu;*.vqz;*.vqs;*.acq|"},
     {IDS_MENU_TEXT_EDITOR, L"Text Editor"},
     {IDS_MENU_REPLAY, L"Replay"},
+    {IDS_LINK_LOST_WAITING, L"link lost, waiting for the instrument (attempt %d of %d)"},
+    {IDS_INSTRUMENT_AWAY, L"%s is not answering. Its files come back here by themselves when it returns."},
 };
 
 } // namespace

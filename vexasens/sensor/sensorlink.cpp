@@ -5,73 +5,7 @@
 #include "sensoraddress.h"
 #include "winsockerror.h"
 
-#include <cerrno>
-
-#ifdef _WIN32
-#include <winsock2.h>
-#else
-#include <arpa/inet.h>
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-#endif
-
 namespace {
-
-#ifdef _WIN32
-constexpr int kSendFlags = 0;
-void CloseSocketHandle(LinkSocket s) {
-    closesocket(s);
-}
-void ShutDownSocket(LinkSocket s) {
-    shutdown(s, SD_BOTH);
-}
-bool MakeNonBlocking(LinkSocket s) {
-    u_long on = 1;
-    return ioctlsocket(s, FIONBIO, &on) == 0;
-}
-bool WouldBlock(int error) {
-    return error == kWsaWouldBlock;
-}
-#else
-constexpr int kSendFlags = MSG_NOSIGNAL; // a closed peer must give EPIPE, not kill the process
-void CloseSocketHandle(LinkSocket s) {
-    ::close(s);
-}
-void ShutDownSocket(LinkSocket s) {
-    ::shutdown(s, SHUT_RDWR);
-}
-bool MakeNonBlocking(LinkSocket s) {
-    int flags = fcntl(s, F_GETFL, 0);
-    fcntl(s, F_SETFD, FD_CLOEXEC);
-    return flags >= 0 && fcntl(s, F_SETFL, flags | O_NONBLOCK) == 0;
-}
-// EINTR is retried like a would-block result.
-bool WouldBlock(int error) {
-    return error == kWsaWouldBlock || error == EINTR;
-}
-#endif
-
-// Zero-time-out readiness test of the connect poll ("select with the socket in the write set only").
-// Returns 1 writable, 0 not yet, -1 failure.
-int PollWritable(LinkSocket s) {
-#ifdef _WIN32
-    fd_set writeSet;
-    FD_ZERO(&writeSet);
-    FD_SET(s, &writeSet);
-    timeval zero{0, 0};
-    int r = select(0, nullptr, &writeSet, nullptr, &zero);
-    return r < 0 ? -1 : (r > 0 ? 1 : 0);
-#else
-    pollfd p{s, POLLOUT, 0};
-    int r = poll(&p, 1, 0);
-    if (r < 0)
-        return errno == EINTR ? 0 : -1;
-    return (r > 0 && (p.revents & (POLLOUT | POLLERR | POLLHUP))) ? 1 : 0;
-#endif
-}
 
 constexpr uint32_t kSliceMs = 100;
 
@@ -106,7 +40,7 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
         m_lastError = kErrInvalid;
         return;
     }
-    LinkSocket s = ::socket(AF_INET, SOCK_STREAM, 0);
+    LinkSocket s = OpenStreamSocket();
     if (s == kInvalidSocket) {
         m_lastError = LastSocketError();
         return;
@@ -115,19 +49,9 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
         std::lock_guard handle(m_handleLock);
         m_socket = s;
     }
-    MakeNonBlocking(s);
 
-    sockaddr_in sa{};
-    sa.sin_family = AF_INET;
-    sa.sin_port = htons(port);
-    sa.sin_addr.s_addr = address;
-    if (::connect(s, reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0) {
-        int error = LastSocketError();
-#ifndef _WIN32
-        if (errno == EINPROGRESS)
-            error = kWsaWouldBlock;
-#endif
-        if (!WouldBlock(error)) {
+    if (const int error = StartConnect(s, address, port); error != 0) {
+        if (!IsRetryableSocketError(error)) {
             m_lastError = error;
             Close();
             return;
@@ -136,12 +60,12 @@ void SensorLink::Open(const std::wstring& host, uint16_t port) {
         uint32_t start = TickCount();
         int error2 = 0;
         for (;;) {
-            PumpWaitSocket(intptr_t(m_socket), true, int(kSliceMs));
+            PumpWaitSocket(m_socket, true, int(kSliceMs));
             if (m_socket == kInvalidSocket || m_interrupted) { // closed by a handler or another thread
                 error2 = kWsaNotConn;
                 break;
             }
-            int ready = PollWritable(m_socket);
+            int ready = PollWritableNow(m_socket);
             if (ready < 0)
                 error2 = LastSocketError();
             else if (ready > 0)
@@ -176,7 +100,7 @@ void SensorLink::Close() {
     std::lock_guard lock(m_lock);
     std::lock_guard handle(m_handleLock);
     if (m_socket != kInvalidSocket) {
-        CloseSocketHandle(m_socket);
+        CloseSocket(m_socket);
         m_socket = kInvalidSocket;
     }
     m_interrupted = false;
@@ -246,15 +170,15 @@ int SensorLink::Transfer(void* buffer, int count, bool sending) {
             m_lastError = kWsaNotConn;
             return -1;
         }
-        long n = sending ? ::send(m_socket, bytes + total, count - total, kSendFlags)
-                         : ::recv(m_socket, bytes + total, count - total, 0);
+        long n = sending ? SendSome(m_socket, bytes + total, count - total)
+                         : ReceiveSome(m_socket, bytes + total, count - total);
         if (n < 0) {
             int error = LastSocketError();
-            if (!WouldBlock(error)) {
+            if (!IsRetryableSocketError(error)) {
                 m_lastError = error;
                 return -1;
             }
-            PumpWaitSocket(intptr_t(m_socket), sending, int(kSliceMs));
+            PumpWaitSocket(m_socket, sending, int(kSliceMs));
         } else if (n == 0) {
             // A closed peer reads as zero bytes again and again: wait the full slice so it cannot spin.
             if (!m_interrupted)

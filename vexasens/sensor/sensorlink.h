@@ -5,19 +5,16 @@
 //
 // Every socket operation holds the link's recursive lock for that one call. The waits dispatch the
 // calling thread's events (PumpWait), so a handler on the same thread may re-enter the link.
+#include "socketcalls.h"
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
 
-#ifdef _WIN32
-using LinkSocket = uintptr_t;
-inline constexpr LinkSocket kInvalidSocket = ~LinkSocket(0);
-#else
-using LinkSocket = int;
-inline constexpr LinkSocket kInvalidSocket = -1;
-#endif
+using LinkSocket = SocketHandle;
+inline constexpr LinkSocket kInvalidSocket = kNoSocket;
 
 inline constexpr uint16_t kLinkPort = 4840;
 inline constexpr uint32_t kConnectLimitMs = 5000;

@@ -86,6 +86,7 @@ RunReviewPage::RunReviewPage(std::wstring fileName, std::wstring sourceName, Vex
 
 QWidget* RunReviewPage::BuildSidePanel() {
     auto* panel = new QWidget;
+    panel->setMinimumWidth(340);
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(4, 0, 0, 0);
 
@@ -112,6 +113,9 @@ QWidget* RunReviewPage::BuildSidePanel() {
     row->addWidget(m_tolerance);
     row->addWidget(m_addIons);
     ions->addLayout(row);
+    auto* hint = new QLabel(tr("One trace per entry; \"78, 91\" sums both m/z in one trace."));
+    hint->setWordWrap(true);
+    ions->addWidget(hint);
     m_traceList = new QListWidget;
     m_traceList->setObjectName("traces");
     m_traceList->setMaximumHeight(90);

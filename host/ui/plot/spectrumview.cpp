@@ -10,8 +10,10 @@
 namespace {
 const QColor kBarColour(0x1f, 0x4e, 0x8c);
 const QColor kLabelColour(0x20, 0x20, 0x20);
-// Half a mass unit either side, so the outermost bars are not on the frame.
+// A mass unit either side, so the outermost bars are not on the frame.
 constexpr double kMassMargin = 1.0;
+// Peaks below this share of the visible maximum get no label: they are noise next to the spectrum.
+constexpr double kLabelFloor = 0.02;
 } // namespace
 
 SpectrumView::SpectrumView(QWidget* parent) : PlotCanvas(parent) {}
@@ -84,14 +86,23 @@ PlotRange SpectrumView::Prepare(PlotRange x, int columns) const {
 }
 
 void SpectrumView::DrawData(QPainter& painter, const Frame& frame) const {
+    // The title goes in the margin above the frame, clear of the labels over the tallest bars.
     if (!m_title.isEmpty()) {
         const QFontMetrics metrics(painter.font());
         painter.setPen(kLabelColour);
-        painter.drawText(QPointF(frame.area.left() + 6, frame.area.top() + 4 + metrics.ascent()), m_title);
+        painter.drawText(QPointF(frame.area.left(), frame.outer.top() + 1 + metrics.ascent()), m_title);
+    }
+    if (m_mz.empty()) {
+        painter.setPen(kLabelColour);
+        painter.drawText(frame.area.adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
+                         m_emptyText);
+        return;
     }
     if (m_columns.empty())
         return;
-    painter.setPen(QPen(kBarColour, 0));
+    // Bars get wider when whole masses are far enough apart on screen.
+    const double unitPixels = frame.area.width() / frame.x.Width();
+    painter.setPen(QPen(kBarColour, unitPixels >= 6 ? 2 : 0, Qt::SolidLine, Qt::FlatCap));
     const double base = frame.ToPixelY(0.0);
     const double columnWidth = frame.area.width() / std::max(1, static_cast<int>(frame.area.width()));
     for (const ColumnExtremes& c : m_columns.front().columns) {
@@ -110,9 +121,12 @@ void SpectrumView::DrawLabels(QPainter& painter, const Frame& frame) const {
     m_labelled.clear();
     if (m_columns.empty() || m_labelCount == 0)
         return;
+    double highest = 0.0;
+    for (const ColumnExtremes& c : m_columns.front().columns)
+        highest = std::max(highest, c.max);
     std::vector<const ColumnExtremes*> peaks;
     for (const ColumnExtremes& c : m_columns.front().columns) {
-        if (c.max > 0)
+        if (c.max > 0 && c.max >= highest * kLabelFloor)
             peaks.push_back(&c);
     }
     std::sort(peaks.begin(), peaks.end(), [](const ColumnExtremes* a, const ColumnExtremes* b) {
@@ -120,10 +134,6 @@ void SpectrumView::DrawLabels(QPainter& painter, const Frame& frame) const {
     });
     const QFontMetrics metrics(painter.font());
     std::vector<QRectF> placed;
-    // The title line is taken.
-    if (!m_title.isEmpty())
-        placed.emplace_back(frame.area.left() + 6, frame.area.top() + 4, metrics.horizontalAdvance(m_title),
-                            metrics.height());
     painter.setPen(kLabelColour);
     for (const ColumnExtremes* peak : peaks) {
         if (static_cast<int>(m_labelled.size()) >= m_labelCount)

@@ -1,6 +1,7 @@
 #pragma once
 // A mass spectrum: one bar per m/z as relative abundance (100 = the base peak of the whole spectrum),
-// the largest visible peaks labelled with their m/z where the labels do not collide, and a title line
+// the largest visible peaks labelled with their m/z where the labels do not collide (peaks under 2 %
+// of the visible maximum are left unlabelled), and a title line
 // that says what the spectrum is. Dragging with the left button zooms into an m/z range.
 #include "plotcanvas.h"
 

@@ -57,6 +57,8 @@ protected:
         for (std::string& arg : args)
             if (!arg.empty() && arg[0] == '@')
                 arg = "@" + sim.address() + ":" + arg.substr(1);
+        // One attempt per file: each fault here is about a single cut, not about the retries.
+        args.insert(args.begin(), {"--retry", "0"});
         const auto start = Clock::now();
         const ProcessResult r = RunVexa(args, 60000);
         const double seconds = std::chrono::duration<double>(Clock::now() - start).count();

@@ -184,8 +184,8 @@ TEST(HostileStreams, GetNeverReplacesTheOldFileWithALie) {
         TempDir pc;
         const std::string target = pc.createFile("x.vxs", "old content");
         const auto start = Clock::now();
-        const ProcessResult r =
-            RunVexa({"get", "--overwrite", "yes", instrument.Remote("/Data/x.vxs"), target}, 30000);
+        const ProcessResult r = RunVexa(
+            {"--retry", "0", "get", "--overwrite", "yes", instrument.Remote("/Data/x.vxs"), target}, 30000);
         EXPECT_LT(SecondsSince(start), 20.0);
         EXPECT_EQ(r.exitCode == 0, lie.succeeds) << r.err;
         EXPECT_EQ(ReadWholeFile(target), lie.succeeds ? kContent : "old content");

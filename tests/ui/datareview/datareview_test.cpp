@@ -3,8 +3,10 @@
 #include "chromatogramview.h"
 #include "datareviewwindow.h"
 #include "pdfpages.h"
+#include "registry.h"
 #include "runreviewpage.h"
 #include "scriptedprompt.h"
+#include "spectrumsearchlauncher.h"
 #include "spectrumview.h"
 #include "stdiofile.h"
 #include "tempdir.h"
@@ -18,7 +20,11 @@
 #include <QtTest>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
+#include <sstream>
+#include <thread>
 
 namespace {
 
@@ -224,4 +230,48 @@ TEST_F(DataReviewTest, DamagedFilesAreRefusedWithTheirReason) {
             << m_window.LastError().toStdString();
     }
     EXPECT_EQ(m_window.PageCount(), 0);
+}
+
+TEST(SpectrumSearchLauncher, ThePatternPlacesTheFileAndTheProgramGetsIt) {
+    const QString file = "/tmp/a b/%1 spectrum.msp";
+    struct Case {
+        const char* pattern;
+        QStringList arguments;
+    };
+    const Case cases[] = {
+        {"%1", {file}},
+        {"/INSTRUMENT /PAR=2 %1", {"/INSTRUMENT", "/PAR=2", file}},
+        {"--spectrum=%1 \"two words\"", {"--spectrum=" + file, "two words"}},
+        {"/PAR=2", {}}, // the file would not reach the program
+        {"", {}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(SpectrumSearchLauncher::Arguments(c.pattern, file), c.arguments) << c.pattern;
+
+    CPXRegistry& settings = CPXRegistry::Instance();
+    QString error;
+    settings.SetString(L"Programs", L"Nist", L"");
+    EXPECT_FALSE(SpectrumSearchLauncher::Start("x.msp", &error));
+    EXPECT_TRUE(error.contains("Programs/Nist")) << error.toStdString();
+
+    // A program that writes down its arguments.
+    TempDir dir;
+    const std::string script = dir.file("search.sh");
+    const std::string record = dir.file("arguments.txt");
+    std::ofstream(script) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > " << record << ".part && mv " << record
+                          << ".part " << record << "\n";
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    settings.SetString(L"Programs", L"Nist", FromUtf8(script));
+    settings.SetString(L"Programs", L"NistArguments", L"/PAR=2 %1");
+    ASSERT_TRUE(SpectrumSearchLauncher::Start("/data/run 1.msp", &error)) << error.toStdString();
+    for (int i = 0; i < 100 && !std::filesystem::exists(record); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::stringstream got;
+    got << std::ifstream(record).rdbuf();
+    EXPECT_EQ(got.str(), "/PAR=2\n/data/run 1.msp\n");
+    settings.SetString(L"Programs", L"NistArguments", L"/PAR=2");
+    EXPECT_FALSE(SpectrumSearchLauncher::Start("x.msp", &error));
+    EXPECT_TRUE(error.contains("%1")) << error.toStdString();
+    settings.SetString(L"Programs", L"Nist", L"");
+    settings.SetString(L"Programs", L"NistArguments", L"");
 }

@@ -10,6 +10,7 @@
 #include "vexafiledlg.h"
 #include "vexafilelist.h"
 #include "vexasensorobject.h"
+#include "winsockerror.h"
 
 #include <QAction>
 #include <QApplication>
@@ -425,15 +426,42 @@ TEST_F(FileManagerTest, InstrumentCommandsAreEnabledOnlyWhenTheyCanAct) {
     EXPECT_TRUE(m_prompt.Asked().empty());
 }
 
-TEST_F(FileManagerTest, InstrumentGoingOfflineEmptiesItsPane) {
-    StartInstrument();
+// The instrument drops while shown (its simulator refuses everything for a while): the pane says it is
+// away and offers nothing that needs it, then comes back by itself in the folder it showed.
+TEST_F(FileManagerTest, DroppedInstrumentIsShownAwayAndComesBackInItsFolder) {
+    m_temp.createFile("pc/a.txt", "a");
+    StartInstrument({"--fault", "outage=3000:2000"});
     CVexaFileDlg& dialog = OpenDialog();
-    ASSERT_GT(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
-    m_instrument.sim().stop();
-    m_instrument.sensor()->Disconnect(0);
+    ASSERT_TRUE(dialog.ShowRemoteFolder(L"/Method"));
+    const int listed = dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount();
+    ASSERT_GT(listed, 1);
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage:") != std::string::npos; }, 10000));
+    // What the studio's poll does when the status command finds the link gone.
+    m_instrument.sensor()->Disconnect(kWsaConnReset);
     ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentOnline(); }));
     EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), 0);
-    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), L"0 Object(s)");
+    EXPECT_NE(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS).find(L"is not answering"), std::wstring::npos);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/Method");
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled())
+        << "the folder is kept for the return";
+    Select(dialog.View(CVexaFileDlg::kLocalPane), {L"a.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_FILEMGR_BACKUP_ALL)->isEnabled());
+
+    // What the studio's reconnection does once the instrument answers again.
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage over") != std::string::npos; }, 10000));
+    ASSERT_TRUE(m_instrument.sensor()->GoOnline());
+    ASSERT_TRUE(WaitFor([&] { return dialog.IsInstrumentOnline(); }));
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_PATH), L"/Method");
+    EXPECT_EQ(dialog.View(CVexaFileDlg::kRemotePane)->GetItemCount(), listed);
+    EXPECT_EQ(dialog.GetDlgItemText(IDC_FILEMGR_REMOTE_STATUS), std::to_wstring(listed) + L" Object(s)");
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_REMOTE_UP)->isEnabled());
+    Select(dialog.View(CVexaFileDlg::kLocalPane), {L"a.txt"});
+    dialog.UpdateButtons(CVexaFileDlg::kLocalPane, true);
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_FILEMGR_COPY_TO_REMOTE)->isEnabled());
 }
 
 // Not a check: with VEXA_SCREENSHOT set, saves the dialog over the demo tree as a picture for people.

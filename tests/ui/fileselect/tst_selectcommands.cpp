@@ -2,6 +2,8 @@
 // save mode, folders, Manage Files, Alt+H, and an instrument that goes away while the dialog is open.
 #include "fileselectfixture.h"
 
+#include "winsockerror.h"
+
 #include "explorerctrl.h"
 #include "hostresource.h"
 #include "resource.h"
@@ -225,6 +227,35 @@ TEST_F(FileSelectTest, AnInstrumentThatGoesAwayLeavesThePcSideUsable) {
     EXPECT_EQ(Names(dialog.List()), std::vector<std::wstring>{L"local.vxs"});
     dialog.OpenEntry(RowOf(dialog.List(), L"local.vxs"));
     EXPECT_EQ(dialog.GetPathName(), Wide(PcPath("local.vxs")));
+}
+
+// A drop while the instrument side is shown: the dialog says so, then reads the same folder again when
+// the instrument is back.
+TEST_F(FileSelectTest, AnInstrumentThatDropsComesBackInItsFolder) {
+    m_instrument.start({"--fault", "outage=3000:2000"});
+    ASSERT_TRUE(m_instrument.goOnline());
+    CVexaFileSelectDlg& dialog = OpenDialog(0, Remote(L"/Method/"));
+    ASSERT_EQ(dialog.CurrentFolder(), L"/Method");
+    const std::vector<std::wstring> listed = Names(dialog.List());
+    ASSERT_FALSE(listed.empty());
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage:") != std::string::npos; }, 10000));
+    m_instrument.sensor()->Disconnect(kWsaConnReset); // as the studio's poll does
+    ASSERT_TRUE(WaitFor([&] { return dialog.IsInstrumentAway(); }));
+    EXPECT_TRUE(Names(dialog.List()).empty());
+    EXPECT_NE(dialog.GetDlgItemText(IDC_SELECT_DESCRIPTION).find(L"is not answering"), std::wstring::npos);
+    EXPECT_FALSE(dialog.GetDlgItem(IDOK)->isEnabled());
+    EXPECT_FALSE(dialog.GetDlgItem(IDC_SELECT_UP)->isEnabled());
+
+    ASSERT_TRUE(
+        WaitFor([&] { return m_instrument.sim().log().find("outage over") != std::string::npos; }, 10000));
+    ASSERT_TRUE(m_instrument.sensor()->GoOnline()); // as the studio's reconnection does
+    ASSERT_TRUE(WaitFor([&] { return !dialog.IsInstrumentAway(); }));
+    EXPECT_EQ(dialog.CheckedSide(), CVexaFileSelectDlg::kInstrumentSide);
+    EXPECT_EQ(dialog.CurrentFolder(), L"/Method");
+    EXPECT_EQ(Names(dialog.List()), listed);
+    EXPECT_TRUE(dialog.GetDlgItem(IDC_SELECT_UP)->isEnabled());
+    EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(FileSelectTest, ManageFilesHandsBackItsChosenFile) {

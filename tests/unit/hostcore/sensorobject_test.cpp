@@ -2,6 +2,7 @@
 #include "sensorinfo.h"
 #include "sensorobject.h"
 #include "sensorref.h"
+#include "sensorwait.h"
 
 #include "fakechannel.h"
 #include "recordingobserver.h"
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -30,6 +32,8 @@ public:
     }
     void Connect(bool open) override {
         ++connectCalls;
+        if (open && connectDelayMs > 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(connectDelayMs.load()));
         if (open && disconnectInsideConnect) {
             m_open = true;
             Disconnect(0); // comes back here as Connect(false)
@@ -44,7 +48,8 @@ public:
     using ISensorObject::GetSensorParam;
     using ISensorObject::SetSensorParam;
 
-    bool allowOpen = true;
+    std::atomic<bool> allowOpen{true};
+    std::atomic<int> connectDelayMs{0};
     bool disconnectInsideConnect = false;
     bool disconnectInsideClose = false;
     std::atomic<int> connectCalls{0};
@@ -252,6 +257,57 @@ TEST(SensorObject, DisconnectIsReentrantAndThreadSafe) {
         thread.join();
     EXPECT_EQ(observer.codes(), (std::vector<uint32_t>{kSensorEventOnline, kSensorEventOffline,
                                                        kSensorEventOnline, kSensorEventOffline}));
+}
+
+// The studio's reconnection and a copy waiting for its instrument may both take a sensor on line.
+TEST(SensorObject, ConcurrentGoOnlineConnectsOnceAndRemovedStaysOffline) {
+    FakeSensor sensor(L"h");
+    RecordingObserver observer;
+    observer.SetSensor(&sensor);
+    sensor.connectDelayMs = 200;
+    std::atomic<int> online{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] { online += sensor.GoOnline() ? 1 : 0; });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(online, 4);
+    EXPECT_EQ(sensor.connectCalls, 1);
+    EXPECT_EQ(observer.codes(), std::vector<uint32_t>{kSensorEventOnline});
+
+    sensor.Remove(false);
+    EXPECT_FALSE(sensor.GoOnline()) << "a holder of a removed sensor must not revive it";
+    EXPECT_FALSE(SensorWait{}.UntilOnline(sensor));
+}
+
+TEST(SensorWait, TriesOnTheBackOffUntilTheInstrumentAnswers) {
+    FakeSensor sensor(L"h");
+    ASSERT_TRUE(sensor.GoOnline());
+    sensor.DropLink(); // on line in name only, as after a reset
+    sensor.allowOpen = false;
+
+    SensorWait shortWait;
+    shortWait.maxWaitMs = 1900; // the first step is 0.8-1.2 s, the second at least 1.6 s more
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(shortWait.UntilOnline(sensor));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(sensor.GetSensorState(), kSensorOffline) << "the dead link was closed first";
+    // The first open, the close of the dead link, then exactly one attempt.
+    EXPECT_EQ(sensor.connectCalls, 3);
+
+    std::thread back([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        sensor.allowOpen = true;
+    });
+    EXPECT_TRUE(SensorWait{}.UntilOnline(sensor));
+    back.join();
+    EXPECT_TRUE(sensor.IsOnline(true));
+
+    sensor.DropLink();
+    sensor.allowOpen = false;
+    SensorWait cancelled;
+    cancelled.cancelled = [] { return true; };
+    EXPECT_FALSE(cancelled.UntilOnline(sensor));
 }
 
 TEST(SensorObject, PollDeviceParsesStatusAndRaisesEvents) {

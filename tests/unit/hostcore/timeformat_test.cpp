@@ -58,3 +58,13 @@ TEST(TimeFormat, LocalTimeDiffFollowsTheZoneAndItsSummerTime) {
         unsetenv("TZ");
     tzset();
 }
+
+TEST(TimeFormatTest, ElapsedInWordsAtTheUnitBoundaries) {
+    const std::pair<int64_t, const wchar_t*> cases[] = {
+        {-5, L"0 s"},         {0, L"0 s"},          {59, L"59 s"},
+        {60, L"1 min 0 s"},   {72, L"1 min 12 s"},  {3599, L"59 min 59 s"},
+        {3600, L"1 h 0 min"}, {7500, L"2 h 5 min"},
+    };
+    for (const auto& [seconds, text] : cases)
+        EXPECT_EQ(FormatElapsed(seconds), text) << seconds;
+}

@@ -1,0 +1,13 @@
+#include "timeformat.h"
+
+bool ToLocalTime(std::time_t seconds, std::tm* local) {
+    return localtime_r(&seconds, local) != nullptr;
+}
+
+int PXLocalTimeDiff(int64_t timeMs) {
+    const std::time_t seconds = static_cast<std::time_t>(timeMs >= 0 ? timeMs / 1000 : (timeMs - 999) / 1000);
+    std::tm local{};
+    if (!ToLocalTime(seconds, &local))
+        return 0;
+    return int(local.tm_gmtoff);
+}

@@ -1,0 +1,34 @@
+#pragma once
+// The notices of instruments that dropped and came back, one closable strip each, stacked above the
+// window's contents. Non-modal: the operator reads them when convenient and closes them, or a return
+// replaces the loss it answers. GUI thread only.
+#include <QPointer>
+#include <QWidget>
+
+class QFrame;
+class QVBoxLayout;
+
+class LinkBanners : public QWidget {
+    Q_OBJECT
+public:
+    // Beyond this many, the oldest strip goes when a new one comes.
+    static constexpr int kMaxBanners = 6;
+
+    explicit LinkBanners(QWidget* parent = nullptr);
+
+    // `key` names the instrument: its return closes its loss strip.
+    void ShowLoss(const QString& key, const QString& text);
+    void ShowReturn(const QString& key, const QString& text);
+    // The instrument is gone or was taken off line: its strips go.
+    void Forget(const QString& key);
+
+    // The texts shown, oldest first.
+    QStringList Texts() const;
+
+private:
+    QFrame* Add(const QString& key, const QString& text, bool loss);
+    void Close(QFrame* banner);
+
+    QVBoxLayout* m_layout;
+    QList<QPointer<QFrame>> m_banners;
+};
