@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Shared by run.sh and test.sh: install what is missing (Debian packages only), configure and build.
 # shellcheck shell=bash
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Draws the module's icons (the file manager's buttons and the tools) as PNG files at 16 and 32 pixels,
 and the studio's application icon at the desktop's sizes (16 to 256 pixels) and as SVG.
 

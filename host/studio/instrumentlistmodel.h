@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instruments of a SensorManager as a table: name, address, sensor type and state.
 #include <QAbstractTableModel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's log: one time-stamped line per thing that happened (modules loaded, connections,
 // disconnections with their error numbers, sensor events). Lines are also written to stderr so a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa-studio: the host an operator opens to work with VEXARON instruments.
 #include "qtpumpdispatcher.h"
 #include "registry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's command line: the plug-in folder and the instruments given for this run only.
 #include <QString>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa-sim: a stand-in for the instrument on the other end of the link.
 #include <csignal>
 #include <cstdio>

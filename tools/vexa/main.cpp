@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa: the instrument's files and status from a terminal, through the module's own back ends.
 #include "cli.h"
 #include "retryoption.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's sensor manager with a fleet of instruments: N simulators on distinct loopback
 // addresses, each answering every request late (a field network's latency), polled by the studio's
 // alarm timer. Reports how often each instrument's status is refreshed (the worst instrument), the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The simulator as a program: start-up failures, exit codes, stopping on a signal.
 #include <cstdlib>
 #include <filesystem>

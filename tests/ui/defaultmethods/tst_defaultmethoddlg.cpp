@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default-methods dialog over the modules that ship, copied into a temporary folder: what the grid
 // lists, what the model list does, hover texts, editing and restoring.
 #include "defaultmethoddlg.h"

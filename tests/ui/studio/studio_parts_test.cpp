@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's small parts on their own: its command line, the tools' key bindings and the saved list.
 #include "instrumentstore.h"
 #include "registry.h"

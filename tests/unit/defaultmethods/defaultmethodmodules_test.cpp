@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default-method catalogue against the modules that ship (built beside the programs) and against
 // damaged copies. Validity and equality of method files are stand-ins here (a file is valid when it is
 // a JSON object; equal when its bytes are), so these cases test the catalogue's own rules.
