@@ -13,6 +13,8 @@
 int PXLocalTimeDiff(int64_t timeMs);
 // The thread-safe local-time conversion of the platform (localtime_r, localtime_s); false on failure.
 bool ToLocalTime(std::time_t seconds, std::tm* local);
+// The same for UTC (gmtime_r, gmtime_s).
+bool ToUtcTime(std::time_t seconds, std::tm* utc);
 
 std::wstring FormatDate(int64_t timeMs, int offsetMinutes);
 std::wstring FormatTime(int64_t timeMs, int offsetMinutes);

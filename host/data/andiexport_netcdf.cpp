@@ -4,6 +4,7 @@
 
 #include "safecopy.h"
 #include "text.h"
+#include "timeformat.h"
 
 #include <netcdf.h>
 
@@ -19,7 +20,7 @@ namespace {
 std::string TimeStamp(uint32_t seconds) {
     const std::time_t time = seconds;
     std::tm utc{};
-    gmtime_r(&time, &utc);
+    ToUtcTime(time, &utc);
     char text[32];
     std::strftime(text, sizeof text, "%Y%m%d%H%M%S+0000", &utc);
     return text;

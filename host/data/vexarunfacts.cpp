@@ -2,6 +2,7 @@
 #include "vexarunfacts.h"
 
 #include "text.h"
+#include "timeformat.h"
 #include "vexamodels.h"
 #include "vexarun.h"
 
@@ -13,11 +14,7 @@ VexaRunFacts VexaRunFacts::Of(const VexaRun& run) {
     facts.sample = sample.empty() ? run.SampleName() : sample;
     const std::time_t start = run.StartTime();
     std::tm utc{};
-#ifdef _WIN32
-    gmtime_s(&utc, &start);
-#else
-    gmtime_r(&start, &utc);
-#endif
+    ToUtcTime(start, &utc);
     char text[40];
     std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &utc);
     facts.startTime = text;

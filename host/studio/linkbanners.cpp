@@ -5,8 +5,11 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace {
 const char* const kKeyProperty = "instrumentKey";
@@ -21,16 +24,34 @@ LinkBanners::LinkBanners(QWidget* parent) : QWidget(parent), m_layout(new QVBoxL
 }
 
 void LinkBanners::ShowLoss(const QString& key, const QString& text) {
-    Forget(key);
-    Add(key, text, true);
+    Queue(key, text, true);
 }
 
 void LinkBanners::ShowReturn(const QString& key, const QString& text) {
-    Forget(key);
-    Add(key, text, false);
+    Queue(key, text, false);
+}
+
+void LinkBanners::Queue(const QString& key, const QString& text, bool loss) {
+    m_queued.removeIf([&](const Notice& notice) { return notice.key == key; });
+    m_queued.append({key, text, loss});
+    if (m_showQueued)
+        return;
+    m_showQueued = true;
+    QTimer::singleShot(0, this, &LinkBanners::ShowQueued);
+}
+
+void LinkBanners::ShowQueued() {
+    m_showQueued = false;
+    // Only the newest can stay on screen.
+    const QList<Notice> all = std::exchange(m_queued, {});
+    for (const Notice& notice : all)
+        Forget(notice.key);
+    for (const Notice& notice : all.mid(qMax<qsizetype>(0, all.size() - kMaxBanners)))
+        Add(notice.key, notice.text, notice.loss);
 }
 
 void LinkBanners::Forget(const QString& key) {
+    m_queued.removeIf([&](const Notice& notice) { return notice.key == key; });
     const QList<QPointer<QFrame>> banners = m_banners;
     for (const QPointer<QFrame>& banner : banners) {
         if (banner && banner->property(kKeyProperty).toString() == key)
@@ -38,7 +59,8 @@ void LinkBanners::Forget(const QString& key) {
     }
 }
 
-QStringList LinkBanners::Texts() const {
+QStringList LinkBanners::Texts() {
+    ShowQueued();
     QStringList texts;
     for (const QPointer<QFrame>& banner : m_banners) {
         if (banner)

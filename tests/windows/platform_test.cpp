@@ -3,7 +3,7 @@
 // wait, the registry as the settings store, and WinINet's errors.
 #include "ftperror.h"
 #include "netfileimpl.h"
-#include "processenv.h"
+#include "programenvironment.h"
 #include "pumpwait.h"
 #include "registry.h"
 #include "sensorlink.h"
@@ -18,6 +18,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <thread>
 
 namespace {

@@ -2,7 +2,7 @@
 // vexa next-name: the next free numbered file name in a folder kind, on the PC and the instrument.
 #include "cli.h"
 
-#include "processenv.h"
+#include "programenvironment.h"
 #include "text.h"
 #include "vexasensorobject.h"
 

@@ -4,7 +4,7 @@
 #include "retryoption.h"
 #include "vexaversion.h"
 
-#include "processenv.h"
+#include "programenvironment.h"
 
 #include <iostream>
 #include <string>

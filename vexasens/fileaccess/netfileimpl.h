@@ -48,11 +48,12 @@ public:
     std::size_t PeakBuffered() const { return m_peakBuffered; }
 
 private:
+    // libcurl's data callbacks and buffer (not used over WinINet).
     static size_t OnReceive(char* data, size_t size, size_t count, void* self);
     static size_t OnSend(char* data, size_t size, size_t count, void* self);
     void OpenForReading(const std::wstring& file, bool ascii);
     void OpenForWriting(const std::wstring& file, bool ascii);
-    void Open(const std::wstring& file, unsigned long access, bool ascii);
+    void Open(const std::wstring& file, unsigned long access, bool ascii); // WinINet's FtpOpenFileW
     void FlushPendingText();
     std::size_t Buffered() const { return m_buffer.size() - m_head; }
     void Append(const char* data, std::size_t size);

@@ -36,8 +36,17 @@ public:
     RunReviewPage* CurrentPage() const;
     const QString& LastError() const { return m_lastError; }
 
-    // The current tab's plots as shown, to a .png or .pdf file.
+    // The current tab's exports, false with the reason. The chromatogram's CSV has the TIC and a column
+    // per m/z of the extracted-ion traces (at the tolerance of the last one added); the spectrum's are
+    // the spectrum shown; ANDI-MS holds the whole run; the picture is the plots as shown (.png, .pdf).
+    bool ExportChromatogramCsv(const QString& fileName, QString* error) const;
+    bool ExportSpectrumCsv(const QString& fileName, QString* error) const;
+    bool ExportSpectrumMsp(const QString& fileName, QString* error) const;
+    bool ExportAndi(const QString& fileName, QString* error) const;
     bool ExportImage(const QString& fileName, QString* error) const;
+    // F8: the spectrum shown, as an MSP file in the temporary folder, handed to the library search
+    // program. Returns the file given to it; empty with the reason when nothing was started.
+    QString SearchShownSpectrum(QString* error);
     // Hands the current file to the sensor type's method editor.
     void EditMethodOfCurrentFile();
 
@@ -45,13 +54,17 @@ private:
     void BuildActions();
     void UpdateActions();
     void Refuse(const QString& reason);
-    void AskAndExportImage();
+    using Export = bool (DataReviewWindow::*)(const QString&, QString*) const;
+    void AskAndExport(const QString& title, const QString& suffix, const QString& filter, Export write);
     QString AskSaveName(const QString& title, const QString& suffix, const QString& filter);
+    // The current page when it shows a spectrum; null with the reason otherwise.
+    RunReviewPage* PageWithSpectrum(QString* error) const;
 
     ISensorInfo* m_sensorType;
     SensorRef<> m_sensor;
     QTabWidget* m_tabs;
     QString m_lastError;
-    QAction* m_exportImage = nullptr;
+    QAction* m_export = nullptr;
+    QAction* m_search = nullptr;
     QAction* m_editMethod = nullptr;
 };

@@ -3,9 +3,9 @@
 
 #include "chromatogramview.h"
 #include "spectrumview.h"
+#include "vexarunfacts.h"
 
 #include <QCheckBox>
-#include <QDateTime>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -151,34 +151,29 @@ QWidget* RunReviewPage::BuildSidePanel() {
 }
 
 void RunReviewPage::FillFacts(QFormLayout* form) {
-    const auto param = [this](const wchar_t* key) { return QString::fromStdWString(m_run.Parameter(key)); };
-    QString sample = QString::fromStdString(m_run.SampleName());
-    if (sample.isEmpty())
-        sample = param(L"SAMPLE");
-    const QDateTime start = QDateTime::fromSecsSinceEpoch(m_run.StartTime(), Qt::UTC);
-    QString mode;
+    const VexaRunFacts facts = VexaRunFacts::Of(m_run);
+    const auto text = [](const std::string& utf8) { return QString::fromStdString(utf8); };
     QString range;
-    if (m_run.HasSpectra() || !param(L"SCANMODE").isEmpty())
-        mode = m_run.IsSim() ? tr("Selected ions (SIM)") : tr("Full scan");
-    const auto [low, high] = m_run.MassRange();
-    if (high > 0)
-        range = tr("m/z %1 to %2").arg(MassText(low), MassText(high));
+    if (facts.massHigh > 0)
+        range = tr("m/z %1 to %2").arg(MassText(facts.massLow), MassText(facts.massHigh));
     QString runTime;
     if (m_run.HasSpectra())
-        runTime = tr("%1 min").arg(Minutes(m_run.RunSeconds()));
-    if (m_run.WasStopped())
+        runTime = tr("%1 min").arg(Minutes(facts.runSeconds));
+    if (facts.stopped)
         runTime += runTime.isEmpty() ? tr("stopped early") : tr(" (stopped early)");
+    // A version-1 file says its scan mode only in its parameters.
+    const bool modeKnown = m_run.HasSpectra() || !m_run.Parameter(L"SCANMODE").empty();
     m_facts = {
         {tr("File"), QString::fromStdWString(m_sourceName)},
-        {tr("Sample"), sample},
-        {tr("Started"), m_run.StartTime() ? start.toString("yyyy-MM-dd HH:mm:ss 'UTC'") : QString()},
-        {tr("Method"), param(L"SENSOR")},
-        {tr("Instrument"), param(L"INSTRUMENT")},
-        {tr("Scan mode"), mode},
+        {tr("Sample"), text(facts.sample)},
+        {tr("Started"), m_run.StartTime() ? text(facts.startTime) : QString()},
+        {tr("Method"), text(facts.method)},
+        {tr("Instrument"), text(facts.instrument)},
+        {tr("Scan mode"), modeKnown ? text(facts.scanMode) : QString()},
         {tr("Mass range"), range},
-        {tr("Scans"), QString::number(m_run.ScanCount())},
+        {tr("Scans"), QString::number(facts.scans)},
         {tr("Run time"), runTime},
-        {tr("Format"), tr("version %1").arg(m_run.Version())},
+        {tr("Format"), tr("version %1").arg(facts.version)},
     };
     for (const auto& [label, value] : m_facts) {
         auto* text = new QLabel(value.isEmpty() ? tr("-") : value);
@@ -222,6 +217,7 @@ bool RunReviewPage::AddExtractedIons(const QString& text, double tolerance, QStr
     const QString name = tr("m/z %1 ±%2").arg(names.join(QStringLiteral(" + ")), QString::number(tolerance));
     const QColor colour = kTraceColours[(m_chromatogram->TraceCount() - 1) % std::size(kTraceColours)];
     m_chromatogram->AddTrace({name, colour, m_times, std::vector<double>(trace.begin(), trace.end())});
+    m_ionTraces.push_back({masses, tolerance});
     m_traceList->addItem(name);
     m_traceList->setCurrentRow(m_traceList->count() - 1);
     return true;
@@ -232,6 +228,7 @@ void RunReviewPage::RemoveTrace(int index) {
     if (index < 1 || index >= m_chromatogram->TraceCount())
         return;
     m_chromatogram->RemoveTrace(index);
+    m_ionTraces.erase(m_ionTraces.begin() + (index - 1));
     delete m_traceList->takeItem(index - 1);
 }
 
@@ -313,4 +310,21 @@ void RunReviewPage::UpdateSpectrum() {
                             std::vector<double>(m_shown.intensity.begin(), m_shown.intensity.end()),
                             SpectrumTitle());
     emit SpectrumChanged();
+}
+
+VexaExport::SpectrumOrigin RunReviewPage::ShownOrigin() const {
+    VexaExport::SpectrumOrigin origin;
+    origin.file = QString::fromStdWString(m_sourceName).toStdString();
+    const std::string sample = VexaRunFacts::Of(m_run).sample;
+    origin.name = (sample.empty() ? std::string() : sample + ", ") + SpectrumTitle().toStdString();
+    if (m_scans) {
+        origin.fromSeconds = m_run.TimeSeconds(m_scans->first);
+        origin.toSeconds = m_run.TimeSeconds(m_scans->second);
+    }
+    if (SubtractsBackground()) {
+        origin.hasBackground = true;
+        origin.backgroundFrom = m_run.TimeSeconds(m_backgroundScans->first);
+        origin.backgroundTo = m_run.TimeSeconds(m_backgroundScans->second);
+    }
+    return origin;
 }

@@ -4,6 +4,7 @@
 // adds), the spectrum of the picked scan or averaged over the selected range, optionally minus the
 // background range, and the file's facts beside them. A version-1 file shows its facts only.
 #include "plotrange.h"
+#include "vexaexport.h"
 #include "vexarun.h"
 #include "vexaspectrum.h"
 
@@ -42,7 +43,14 @@ public:
     // Adds one trace for the m/z listed in `text` ("91" or "91, 105": one trace summing both) within
     // ±tolerance. False with the reason for text that names no m/z in the run's range.
     bool AddExtractedIons(const QString& text, double tolerance, QString* error);
+    // Trace `index` of the chromatogram (0 is the TIC, which stays).
     void RemoveTrace(int index);
+    struct IonTrace {
+        std::vector<double> masses;
+        double tolerance = 0;
+    };
+    // The extracted-ion traces, in the chromatogram's order after the TIC.
+    const std::vector<IonTrace>& IonTraces() const { return m_ionTraces; }
 
     // The spectrum of the scan nearest `seconds`, or averaged over the scans of a range.
     void ShowScanAt(double seconds);
@@ -58,6 +66,8 @@ public:
     std::optional<std::pair<size_t, size_t>> ShownScans() const { return m_scans; }
     std::optional<std::pair<size_t, size_t>> BackgroundScans() const;
     bool SubtractsBackground() const;
+    // Where the shown spectrum comes from, as an MSP record says it.
+    VexaExport::SpectrumOrigin ShownOrigin() const;
 
 signals:
     // The spectrum shown changed (a pick, a range, the background).
@@ -74,6 +84,7 @@ private:
     VexaRun m_run;
     std::vector<std::pair<QString, QString>> m_facts;
     std::vector<double> m_times; // seconds per scan, shared by every trace
+    std::vector<IonTrace> m_ionTraces;
 
     ChromatogramView* m_chromatogram = nullptr;
     SpectrumView* m_spectrum = nullptr;

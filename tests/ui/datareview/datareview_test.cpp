@@ -64,7 +64,8 @@ class DataReviewTest : public ::testing::Test {
 protected:
     void SetUp() override {
         m_window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_window));
+        m_window.activateWindow(); // F8 is the window's shortcut
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&m_window));
     }
     RunReviewPage& OpenSmallRun() {
         const std::wstring file = Write(m_dir, "small.vxs", VexaDataFile::MakeFile(SmallRun()));
@@ -181,7 +182,7 @@ TEST_F(DataReviewTest, FactsAndTabs) {
     EXPECT_EQ(facts["Started"], "2023-11-14 22:13:20 UTC");
     EXPECT_EQ(facts["Method"], "@10.0.0.5:/Method/Default.mth");
     EXPECT_EQ(facts["Instrument"], "VEXARON 10.0.0.5");
-    EXPECT_EQ(facts["Scan mode"], "Full scan");
+    EXPECT_EQ(facts["Scan mode"], "Full Scan");
     EXPECT_EQ(facts["Mass range"], "m/z 45 to 110");
     EXPECT_EQ(facts["Scans"], "20");
     EXPECT_EQ(facts["Run time"], "0.17 min"); // the last scan at 10.5 s
@@ -233,6 +234,82 @@ TEST_F(DataReviewTest, DamagedFilesAreRefusedWithTheirReason) {
     EXPECT_EQ(m_window.PageCount(), 0);
 }
 
+namespace {
+std::string ReadText(const std::string& path) {
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+// A search program that writes down its arguments, one a line, and the settings that name it.
+std::string InstallRecordingSearchProgram(TempDir& dir, const wchar_t* pattern) {
+    const std::string script = dir.file("search.sh");
+    const std::string record = dir.file("arguments.txt");
+    std::ofstream(script) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > " << record << ".part && mv " << record
+                          << ".part " << record << "\n";
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    CPXRegistry::Instance().SetString(L"Programs", L"Nist", FromUtf8(script));
+    CPXRegistry::Instance().SetString(L"Programs", L"NistArguments", pattern);
+    return record;
+}
+
+std::string WaitForText(const std::string& path) {
+    for (int i = 0; i < 100 && !std::filesystem::exists(path); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return ReadText(path);
+}
+} // namespace
+
+TEST_F(DataReviewTest, ExportsWriteWhatIsShown) {
+    RunReviewPage& page = OpenSmallRun();
+    QString error;
+    const QString msp = QString::fromStdString(m_dir.file("s.msp"));
+    EXPECT_FALSE(m_window.ExportSpectrumMsp(msp, &error)) << "nothing picked yet";
+    EXPECT_TRUE(error.contains("Click")) << error.toStdString();
+
+    Click(page, 6.0);
+    ASSERT_TRUE(m_window.ExportSpectrumMsp(msp, &error)) << error.toStdString();
+    const std::string record = ReadText(msp.toStdString());
+    EXPECT_NE(record.find("Name: Toluene check, Scan 11 at 0.10 min\n"), std::string::npos) << record;
+    EXPECT_NE(record.find("Num Peaks: 2\n50 100\n91 999\n"), std::string::npos) << record;
+
+    const QString spectrumCsv = QString::fromStdString(m_dir.file("s.csv"));
+    ASSERT_TRUE(m_window.ExportSpectrumCsv(spectrumCsv, &error));
+    EXPECT_NE(ReadText(spectrumCsv.toStdString()).find("91,1000,100.00\n"), std::string::npos);
+
+    ASSERT_TRUE(page.AddExtractedIons("91, 105", 0.5, &error));
+    const QString traceCsv = QString::fromStdString(m_dir.file("t.csv"));
+    ASSERT_TRUE(m_window.ExportChromatogramCsv(traceCsv, &error));
+    const std::string trace = ReadText(traceCsv.toStdString());
+    EXPECT_EQ(trace.substr(0, trace.find('\n')), "time_s,tic,mz_91,mz_105");
+    EXPECT_NE(trace.find("\n3.000,500,0,400\n"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("\n6.000,1100,1000,0\n"), std::string::npos) << trace;
+
+    const QString andi = QString::fromStdString(m_dir.file("run.cdf"));
+    ASSERT_TRUE(m_window.ExportAndi(andi, &error)) << error.toStdString();
+    EXPECT_EQ(ReadText(andi.toStdString()).substr(0, 4), std::string("CDF\x01", 4));
+
+    EXPECT_FALSE(m_window.ExportSpectrumCsv("/nonexistent-dir/s.csv", &error));
+    EXPECT_TRUE(error.contains("/nonexistent-dir/s.csv")) << error.toStdString();
+}
+
+TEST_F(DataReviewTest, F8HandsTheShownSpectrumToTheSearchProgram) {
+    RunReviewPage& page = OpenSmallRun();
+    const std::string record = InstallRecordingSearchProgram(m_dir, L"/PAR=2 %1");
+    Drag(page, 5.4, 6.6);
+    Drag(page, 0.9, 2.1, Qt::ShiftModifier);
+    QTest::keyClick(page.Chromatogram(), Qt::Key_F8);
+    const std::string arguments = WaitForText(record);
+    ASSERT_EQ(arguments.rfind("/PAR=2\n", 0), 0u) << arguments;
+    const std::string file = arguments.substr(7, arguments.size() - 8);
+    EXPECT_TRUE(QString::fromStdString(file).endsWith("small-scan10-12-bg.msp")) << file;
+    const std::string msp = ReadText(file);
+    EXPECT_NE(msp.find("background=1.000-2.000 s"), std::string::npos) << msp;
+    EXPECT_NE(msp.find("Num Peaks: 1\n91 999\n"), std::string::npos) << "50 went with the background:\n"
+                                                                     << msp;
+    CPXRegistry::Instance().SetString(L"Programs", L"Nist", L"");
+}
+
 TEST(SpectrumSearchLauncher, ThePatternPlacesTheFileAndTheProgramGetsIt) {
     const QString file = "/tmp/a b/%1 spectrum.msp";
     struct Case {
@@ -255,21 +332,10 @@ TEST(SpectrumSearchLauncher, ThePatternPlacesTheFileAndTheProgramGetsIt) {
     EXPECT_FALSE(SpectrumSearchLauncher::Start("x.msp", &error));
     EXPECT_TRUE(error.contains("Programs/Nist")) << error.toStdString();
 
-    // A program that writes down its arguments.
     TempDir dir;
-    const std::string script = dir.file("search.sh");
-    const std::string record = dir.file("arguments.txt");
-    std::ofstream(script) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > " << record << ".part && mv " << record
-                          << ".part " << record << "\n";
-    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-    settings.SetString(L"Programs", L"Nist", FromUtf8(script));
-    settings.SetString(L"Programs", L"NistArguments", L"/PAR=2 %1");
+    const std::string record = InstallRecordingSearchProgram(dir, L"/PAR=2 %1");
     ASSERT_TRUE(SpectrumSearchLauncher::Start("/data/run 1.msp", &error)) << error.toStdString();
-    for (int i = 0; i < 100 && !std::filesystem::exists(record); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    std::stringstream got;
-    got << std::ifstream(record).rdbuf();
-    EXPECT_EQ(got.str(), "/PAR=2\n/data/run 1.msp\n");
+    EXPECT_EQ(WaitForText(record), "/PAR=2\n/data/run 1.msp\n");
     settings.SetString(L"Programs", L"NistArguments", L"/PAR=2");
     EXPECT_FALSE(SpectrumSearchLauncher::Start("x.msp", &error));
     EXPECT_TRUE(error.contains("%1")) << error.toStdString();

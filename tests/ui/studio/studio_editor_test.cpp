@@ -3,6 +3,7 @@
 // what the window keeps of the operator's entries.
 #include "studiofixture.h"
 
+#include "hostresource.h"
 #include "instrumenteditordialog.h"
 #include "instrumentstore.h"
 #include "managedinstrument.h"

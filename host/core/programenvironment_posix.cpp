@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "processenv.h"
+#include "programenvironment.h"
 
 #include <cstdlib>
 
