@@ -2,10 +2,11 @@
 #pragma once
 // Does for a tool what the host does for its category: the sensor type runs its own programs
 // (category 6031), Manage Files opens the selected sensor's file manager, Data Review asks the sensor
-// for a data file (the window shows it), Run Method asks for a method on the instrument and starts it there,
-// the Method Editor makes or opens methods and sequences through the sensor type, Status shows the status
-// panel, Tune tunes the selected instrument and shows its tune reports; the remaining host features are
-// outside the studio and say so. Files chosen in Manage Files and Data Review are handed on.
+// for a data file for the Data Review window, Run Method asks for a method on the instrument and
+// starts it there, the Method Editor makes or opens methods and sequences through the sensor type,
+// Status shows the status panel, Tune tunes the selected instrument and shows its tune reports; the
+// remaining host features are outside the studio and say so. A file chosen in Manage Files is handed
+// on.
 #include <QString>
 
 #include <string>

@@ -3,6 +3,7 @@
 
 #include "chromatogramview.h"
 #include "spectrumview.h"
+#include "vexadatafile.h"
 #include "vexarunfacts.h"
 
 #include <QCheckBox>
@@ -27,8 +28,8 @@ const QColor kTraceColours[] = {QColor(0xd6, 0x27, 0x28), QColor(0x1f, 0x77, 0xb
                                 QColor(0x94, 0x67, 0xbd), QColor(0xff, 0x7f, 0x0e), QColor(0x8c, 0x56, 0x4b),
                                 QColor(0xe3, 0x77, 0xc2), QColor(0x17, 0xbe, 0xcf)};
 constexpr double kDefaultTolerance = 0.5;
-constexpr double kLowestMass = 1.0;
-constexpr double kHighestMass = 2000.0;
+constexpr double kLowestMass = VexaDataFile::kMinMass;
+constexpr double kHighestMass = VexaDataFile::kMaxMass;
 
 QString Minutes(double seconds) {
     return QString::number(seconds / 60.0, 'f', 2);
