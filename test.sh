@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what is missing, builds, and runs every test (unit, integration, ui).
 #   ./test.sh [CTEST ARGS...]   the normal build in build/
 #   ./test.sh --sanitize        the unit and integration tests under ASan and UBSan, in build-asan/

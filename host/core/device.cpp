@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "device.h"
 
 IDevice::IDevice(std::wstring name, ISensorObject* sensor) : m_name(std::move(name)), m_sensor(sensor) {}

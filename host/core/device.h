@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One named device of a sensor. Its state is a snapshot of key/value texts taken from the instrument
 // (the "VEXA" device holds the last `status` answer); readers copy it with Assign.

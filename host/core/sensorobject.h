@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's base of one configured instrument: names, devices, the on-line/off-line state machine,
 // reference counting, the registry of live sensors, observers and the timer that polls the device.

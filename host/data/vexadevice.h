@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument model: the device named "VEXA" of a sensor, read as a VEXARON instrument. The getters
 // read the device's snapshot (the last `status` answer, taken by the sensor's timer); none of them

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instruments of a SensorManager as a table, the fleet at a glance: name, address, sensor type,
 // state, the running method with its progress, ready, active alarms and the age of the last status.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's log: one time-stamped line per thing that happened (modules loaded, connections,
 // disconnections with their error numbers, instrument notifications, tools that ran or failed), in

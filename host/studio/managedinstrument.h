@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One instrument of the studio's list: its configuration, the sensor object its sensor type made for
 // it (the studio holds the first reference), and what the studio knows about its connection.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's instruments and the sensor types behind them: loads the plug-in folder, makes a sensor
 // object per instrument, takes sensors on and off line, drives their timers, and reports what happens

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Polls each on-line sensor's device (its OnTimer) on a pool thread, one poll per sensor at a time, so
 // a slow or silent instrument delays neither the window nor the other instruments.

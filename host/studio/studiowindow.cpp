@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "studiowindow.h"
 
 #include "datareviewwindow.h"
@@ -21,6 +22,7 @@
 #include "studiosettings.h"
 #include "toollist.h"
 #include "toolrunner.h"
+#include "vexaversion.h"
 
 #include <QAction>
 #include <QApplication>
@@ -747,10 +749,13 @@ void StudioWindow::ShowAbout() {
         this, tr("About VEXA Studio"),
         tr("<h3>VEXA Studio %1</h3><p>Operates VEXARON field-portable GC/MS instruments from the PC "
            "through the sensor modules in its plug-in folder.</p><p>Plug-in folder: %2<br>Sensor "
-           "types: %3</p>")
+           "types: %3</p><p>Built with Qt %4, running on Qt %5%6.<br>Licensed under the Apache "
+           "License 2.0.</p>")
             .arg(QApplication::applicationVersion(),
                  QDir::toNativeSeparators(m_sensors->Plugins().Folder()).toHtmlEscaped(),
-                 types.isEmpty() ? tr("none") : types.join(QStringLiteral(", ")).toHtmlEscaped()));
+                 types.isEmpty() ? tr("none") : types.join(QStringLiteral(", ")).toHtmlEscaped(),
+                 QStringLiteral(QT_VERSION_STR), QString::fromLatin1(qVersion()),
+                 kVexaRevision[0] ? tr("; revision %1").arg(QString::fromLatin1(kVexaRevision)) : QString()));
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {

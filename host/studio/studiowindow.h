@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's main window: the instrument list on the left, the selected instrument's live status
 // and its sensor type's tools on the right, the log at the bottom; menus to add, edit and remove

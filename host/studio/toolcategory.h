@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's tool categories; a sensor type files each of its tools under one of them.
 enum ToolCategory : int {

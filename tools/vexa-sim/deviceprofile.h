@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the simulated instrument reports about itself: model codes, heater temperatures (tenths of
 // a degree C), pressures, the method list. Built-in defaults, overridden key by key from a JSON

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The live state of the simulated instrument, shared by every connection: drifting readings,
 // parameters, the running method and the queue of pending events. Thread-safe.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The module's dialogs behind the sensor's entry points. The loadable module registers one instance
 // when it is loaded (uimoduleobjects.cpp); programs without dialogs register none.

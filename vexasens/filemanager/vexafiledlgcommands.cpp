@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Manage Files dialog's commands: copy between the sides, delete, rename (by button, menu and in
 // place), new folder, open, the text editor and replay. The backup is in vexafiledlgbackup.cpp.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Starting the external programs of the sensor type's tools. The programs are configured in the
 // settings (Programs/Nist, Programs/Amdis); the desktop's default opener opens documents

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The sensor's dialog entry points call through this interface. The loadable module fills it when it is
 // loaded (its dialogs are Qt code); programs without dialogs leave it empty and the entry points answer

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One configured VEXARON instrument: its TCP link (port 4840), parameters through the communication
 // channel, the status report, the folder table and sequential names, and the dialog entry points.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's sensor manager with a fleet of instruments: N simulators on distinct loopback
 // addresses, each answering every request late (a field network's latency), polled by the studio's
 // alarm timer, with the fleet list (the studio's instrument list model in a table) on screen. Reports how

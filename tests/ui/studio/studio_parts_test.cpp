@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's small parts on their own: its command line, the tools' key bindings, the saved list,
 // notifications in words and the log.
 #include "eventwords.h"
@@ -46,6 +47,15 @@ TEST(StudioOptionsTest, ReadsPluginsAndRepeatedInstruments) {
             EXPECT_EQ(options.instruments, c.instruments);
         }
     }
+}
+
+TEST(StudioOptionsTest, DefaultPluginDirPrefersTheBuildFoldersPlugins) {
+    TempDir temp;
+    const QString bin = QString::fromStdString(temp.createDir("bin"));
+    const QString root = QString::fromStdString(temp.path());
+    EXPECT_EQ(DefaultPluginDir(bin), root + "/lib/vexa-studio/plugins");
+    temp.createDir("bin/plugins");
+    EXPECT_EQ(DefaultPluginDir(bin), bin + "/plugins");
 }
 
 TEST(ToolKeySequenceTest, MapsVirtualKeysAndModifiers) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each of the sensor type's tools does in the studio.
 #include "studiofixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio window with the built module: the sensor type's tools, a simulator on line with its
 // status sections, an instrument that cannot be reached, and a plug-in folder without modules.
 #include "studiofixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in description: identity, file types, tools, edit rights, sensor objects and the tools of
 // category 6031 that it runs itself.
 #include "externalprograms.h"
