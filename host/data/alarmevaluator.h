@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Decides an instrument's alarms from its polls: a total pressure (a reading in Pa) above its limit,
 // a heater (a reading in C) more than the allowed deviation from where it settled, not ready for longer

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What an instrument is doing, as its last status said: the running method or replay with its
 // progress, and whether it is ready. Read from the "VEXA" device's snapshot; no network.

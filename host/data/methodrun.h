@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One instrument's run as the workstation follows it, from its status (the running process, elapsed
 // and total seconds) and its method-ended notification. The caller gives the time: a steady clock in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The runs of a method sequence, in order: each step's method as many times as the step repeats it.
 // The plan only counts; whoever runs it starts each run and asks for the next when one has ended.

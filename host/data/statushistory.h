@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The recent past of one instrument's numeric readings: one point per poll, kept for a time window
 // (an hour by default), as columns of single-precision values so an instrument-hour at one poll a second

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the studio watches of one instrument: the trend history of its readings and its alarms, fed
 // once per poll from the sensor's status report and its device snapshot. Not thread-safe: the owner

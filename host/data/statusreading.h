@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The numeric readings of a sensor's status report, as the operator sees them: every status line whose
 // value is a number, named by its label. Read through the sensor's public status interface, so a

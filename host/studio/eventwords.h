@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Instrument and sensor notifications in the operator's words: "method finished: /Data/Run008.vxs",
 // "backup ready: /Backup/x_backup.tgz". The event number goes to a detail an operator rarely needs.

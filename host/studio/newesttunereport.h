@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // For its lifetime, opens any tune reports window that appears on its newest report: the reports are
 // listed oldest first, and after a tune the operator wants the report it just made. The window is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "warningtap.h"
 
 WarningTap::WarningTap() : m_previous(SetPrompt(this)) {}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // For its lifetime, passes every question and message on to the prompt that was installed before it
 // and keeps the warnings and errors shown meanwhile. The studio learns this way whether a module's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Editing one instrument text or configuration file, as the file manager's Text Editor does: read it,
 // show it in the text editor, and on OK with changes ask before writing it back. Refused without

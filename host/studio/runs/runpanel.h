@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One instrument's run: the method, elapsed / total time with a progress bar, Stop (asks first), and
 // at the end the data file with Review and Fetch. Follows runs started here and runs started

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the operator chose to run, read before the question is asked: a method with its description and
 // run time, or a sequence with its runs. Reading may fail (the question then says why, and a method

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The Runs window: a run panel per instrument that runs or has run something this session. Run
 // Method comes here with the chosen file: the window asks "Run <method> on <instrument>?" and starts

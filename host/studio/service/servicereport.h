@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Everything the Service Module shows of one instrument, and the text file a service engineer gets:
 // identity, configuration files, alarms and notifications of this session, and the logs' tails.

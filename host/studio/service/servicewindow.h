@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The Service Module of one instrument: its identity and configuration files (read-only, "Edit..."
 // through the sensor type's text editor and its access level), serial and firmware from the status,

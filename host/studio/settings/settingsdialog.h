@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // File > Settings...: every value of the settings table with its default, in groups; a Test button per
 // external program. Access levels are shown to everyone and change only for a user who has level 1

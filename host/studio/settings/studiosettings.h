@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Every value the studio and the modules it loads read from the settings file, with its default: the
 // one table the settings dialog shows and the readers below use. GUI thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Alarms in the operator's words, for the status window, the log and the service report.
 #include "alarmevaluator.h"

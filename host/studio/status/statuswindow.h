@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The Status tool's window for one instrument: its status sections live, the ready flag, its active
 // alarms and those of this session, and the trends of the readings the operator picks. Follows the

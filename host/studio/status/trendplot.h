@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The trends of an instrument's readings: one strip per chosen reading, stacked, each scaled to its
 // own range, over the history's window ending now (narrowed to the time the history covers, at least

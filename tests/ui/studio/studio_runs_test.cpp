@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs and tunes from the studio: the questions first, then the run panel through a run, a stop and a
 // sequence; the fleet columns of the instrument list.
 #include "studiofixture.h"

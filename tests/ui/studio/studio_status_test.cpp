@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Status window's trends and alarms under a scripted instrument, the Service Module and its report,
 // and the settings dialog.
 #include "studiofixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Following a run from status snapshots and the method-ended notification; the runs of a sequence.
 #include "device.h"
 #include "instrumentactivity.h"

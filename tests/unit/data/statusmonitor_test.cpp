@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Alarms begin and end once each, heaters are judged against where they settled, and the trend
 // history keeps one hour in bounded memory.
 #include "alarmevaluator.h"
