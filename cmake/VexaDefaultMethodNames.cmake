@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # vexa_check_default_method_names(<script.rc>...)
 #
 # The default-methods dialog installs each shipped method under its file name, so two modules that

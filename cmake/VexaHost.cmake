@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # vexa_host_program(<target> [UI])
 #
 # Makes <target> a host program that can load sensor-type modules (*.sdll). The host's libraries are

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # vexa_resource_module(<name> RC <file.rc> OUTPUT <path> [PE32] [DEPENDS files...])
 #
 # Builds a Windows resource-only module (a ".ddll") from a resource script with the MinGW binutils:

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the Windows build needs besides the cross compiler (cmake/toolchain-mingw64.cmake).
 #
 # nlohmann-json and CLI11 are header-only: their Debian headers are used as they are, through a folder

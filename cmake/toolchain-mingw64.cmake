@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Cross-compiles for 64-bit Windows with MinGW-w64 (Debian's g++-mingw-w64-x86-64-posix: the POSIX
 # threads model, so std::thread and std::mutex work). Programs run under Wine when tests run here.
 set(CMAKE_SYSTEM_NAME Windows)

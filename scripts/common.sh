@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Shared by run.sh and test.sh: install what is missing (Debian packages only), configure and build.
 # shellcheck shell=bash
 
@@ -10,6 +11,7 @@ VEXA_PACKAGES=(
     python3 python3-pyftpdlib python3-scipy
     xvfb xauth binutils-mingw-w64-x86-64 binutils-mingw-w64-i686 poppler-utils
     clang-14 libclang-rt-14-dev
+    scdoc file lintian desktop-file-utils appstream
 )
 
 # The Windows build (test.sh --windows): the MinGW-w64 cross compiler with POSIX threads, zlib for it,

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Draws the backup window's animation strip (bitmap 1720): 24 frames of 60 x 36 pixels side by side,
 two tape reels turning 15 degrees a frame with the tape running between them. The background is the
 key colour RGB(0, 191, 191), which the window draws transparent; nothing is anti-aliased, so no pixel

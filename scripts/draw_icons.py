@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Draws the module's icons (the file manager's buttons and the tools) as PNG files at 16 and 32 pixels.
+# SPDX-License-Identifier: Apache-2.0
+"""Draws the module's icons (the file manager's buttons and the tools) as PNG files at 16 and 32 pixels,
+and the studio's application icon at the desktop's sizes (16 to 256 pixels) and as SVG.
 
-Each icon is a list of shapes in a 32 x 32 design space; both sizes are rendered from it with 4 x 4
-samples per pixel, so the small one is a true reduction rather than a scaled bitmap. Run it from the
-repository root after changing a drawing; the PNG files it writes are committed.
+Each icon is a list of shapes in a 32 x 32 design space; every size is rendered from it with 4 x 4
+samples per pixel, so the small one is a true reduction rather than a scaled bitmap, and the SVG
+draws the same shapes. Run it from the repository root after changing a drawing; the files it
+writes are committed.
 """
 import math
 import os
@@ -12,7 +15,11 @@ import sys
 import zlib
 
 SAMPLES = 4
-OUT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "vexasens", "res", "icons")
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+OUT = os.path.join(ROOT, "vexasens", "res", "icons")
+APP_OUT = os.path.join(ROOT, "packaging", "icons")
+APP_ID = "org.vexasens.VexaStudio"
+APP_SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 
 
 def rgba(hex_colour, alpha=255):
@@ -20,15 +27,29 @@ def rgba(hex_colour, alpha=255):
     return ((value >> 16) & 255, (value >> 8) & 255, value & 255, alpha)
 
 
-# ---- shapes: each is (inside(x, y) -> bool, colour) in design units ----
+def svg_paint(colour, attribute="fill"):
+    text = '%s="#%02x%02x%02x"' % ((attribute,) + colour[:3])
+    if colour[3] != 255:
+        text += ' %s-opacity="%.3g"' % (attribute, colour[3] / 255.0)
+    return text
+
+
+def svg_points(points):
+    return " ".join("%.4g,%.4g" % point for point in points)
+
+
+# ---- shapes: each is (inside(x, y) -> bool, colour, SVG element) in design units ----
 
 def circle(cx, cy, r, colour):
-    return (lambda x, y: (x - cx) ** 2 + (y - cy) ** 2 <= r * r, colour)
+    return (lambda x, y: (x - cx) ** 2 + (y - cy) ** 2 <= r * r, colour,
+            '<circle cx="%g" cy="%g" r="%g" %s/>' % (cx, cy, r, svg_paint(colour)))
 
 
 def ring(cx, cy, r, width, colour):
     inner, outer = (r - width / 2) ** 2, (r + width / 2) ** 2
-    return (lambda x, y: inner <= (x - cx) ** 2 + (y - cy) ** 2 <= outer, colour)
+    return (lambda x, y: inner <= (x - cx) ** 2 + (y - cy) ** 2 <= outer, colour,
+            '<circle cx="%g" cy="%g" r="%g" fill="none" stroke-width="%g" %s/>'
+            % (cx, cy, r, width, svg_paint(colour, "stroke")))
 
 
 def rect(x0, y0, x1, y1, colour, radius=0.0):
@@ -38,7 +59,8 @@ def rect(x0, y0, x1, y1, colour, radius=0.0):
         dx = max(x0 + radius - x, 0, x - (x1 - radius))
         dy = max(y0 + radius - y, 0, y - (y1 - radius))
         return dx * dx + dy * dy <= radius * radius
-    return (inside, colour)
+    return (inside, colour, '<rect x="%g" y="%g" width="%g" height="%g" rx="%g" %s/>'
+            % (x0, y0, x1 - x0, y1 - y0, radius, svg_paint(colour)))
 
 
 def polygon(points, colour):
@@ -51,7 +73,7 @@ def polygon(points, colour):
                 crossing = not crossing
             j = i
         return crossing
-    return (inside, colour)
+    return (inside, colour, '<polygon points="%s" %s/>' % (svg_points(points), svg_paint(colour)))
 
 
 def line(points, width, colour):
@@ -65,7 +87,9 @@ def line(points, width, colour):
         px, py = ax + t * dx, ay + t * dy
         return (x - px) ** 2 + (y - py) ** 2 <= half * half
 
-    return (lambda x, y: any(near(x, y, points[i], points[i + 1]) for i in range(len(points) - 1)), colour)
+    return (lambda x, y: any(near(x, y, points[i], points[i + 1]) for i in range(len(points) - 1)), colour,
+            '<polyline points="%s" fill="none" stroke-width="%g" stroke-linecap="round" '
+            'stroke-linejoin="round" %s/>' % (svg_points(points), width, svg_paint(colour, "stroke")))
 
 
 # ---- shared parts ----
@@ -205,6 +229,32 @@ ICONS = {
 }
 
 
+# The studio: a field-portable instrument with its carrying handle, a chromatogram on its screen and
+# a green ready light.
+APP_ICON = [
+    line([(10, 9), (10, 4.2), (22, 4.2), (22, 9)], 2.8, rgba("#2b3a44")),
+    rect(2, 8, 30, 30, rgba("#2b3a44"), 3.5),
+    rect(3.3, 9.3, 28.7, 28.7, rgba(SLATE), 2.5),
+    rect(5, 11.5, 22, 26.5, rgba("#16232c"), 1.5),
+    rect(6.1, 12.6, 20.9, 25.4, rgba("#eef5fb"), 1),
+    line([(7.5, 23), (19.5, 23)], 1, rgba(SLATE)),
+    peaks(7.5, 19.5, 23, [4, 8.5, 3, 6], rgba(BLUE), 1.5),
+    circle(25.7, 14.5, 2, rgba("#7fd68a")),
+    circle(25.7, 14.5, 1.4, rgba(GREEN)),
+    rect(23.7, 19.5, 27.7, 21.5, rgba("#c9d3da"), 0.8),
+    rect(23.7, 23.5, 27.7, 25.5, rgba("#c9d3da"), 0.8),
+]
+
+
+def write_svg(path, shapes):
+    with open(path, "w") as out:
+        out.write('<?xml version="1.0" encoding="UTF-8"?>\n'
+                  '<svg xmlns="http://www.w3.org/2000/svg" width="32" height="32" viewBox="0 0 32 32">\n')
+        for shape in shapes:
+            out.write("  %s\n" % shape[2])
+        out.write("</svg>\n")
+
+
 def render(shapes, size):
     scale = 32.0 / size
     pixels = bytearray()
@@ -217,7 +267,7 @@ def render(shapes, size):
                     x = (px + (sx + 0.5) / SAMPLES) * scale
                     y = (py + (sy + 0.5) / SAMPLES) * scale
                     colour = (0, 0, 0, 0)
-                    for inside, shape_colour in shapes:
+                    for inside, shape_colour, _ in shapes:
                         if inside(x, y):
                             colour = over(shape_colour, colour)
                     alpha = colour[3] / 255.0
@@ -257,6 +307,12 @@ def main():
     for icon, shapes in sorted(ICONS.items()):
         for size in (16, 32):
             write_png(os.path.join(OUT, "%d-%d.png" % (icon, size)), size, render(shapes, size))
+    for size in APP_SIZES:
+        folder = os.path.join(APP_OUT, "%dx%d" % (size, size))
+        os.makedirs(folder, exist_ok=True)
+        write_png(os.path.join(folder, APP_ID + ".png"), size, render(APP_ICON, size))
+    os.makedirs(os.path.join(APP_OUT, "scalable"), exist_ok=True)
+    write_svg(os.path.join(APP_OUT, "scalable", APP_ID + ".svg"), APP_ICON)
     return 0
 
 

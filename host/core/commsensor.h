@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's communication channel (channel 0 of the communication sensor): parameter reads
 // and writes and command texts, over a second link connection of its own.

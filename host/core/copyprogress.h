@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What a copy job reports while it runs, and how it learns that the user cancelled.
 //

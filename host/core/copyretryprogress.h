@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What a progress object shows when a file starts again after its link to the instrument failed. A
 // progress object that can show it implements this beside ICopyProgress; the retrying copy finds it

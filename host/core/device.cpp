@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "device.h"
 
 IDevice::IDevice(std::wstring name, ISensorObject* sensor) : m_name(std::move(name)), m_sensor(sensor) {}
@@ -33,6 +34,12 @@ void IDevice::SetSnapshot(Snapshot values) {
     std::lock_guard lock(m_mutex);
     m_values = std::move(values);
     m_hasSnapshot = true;
+    ++m_serial;
+}
+
+uint64_t IDevice::SnapshotSerial() const {
+    std::lock_guard lock(m_mutex);
+    return m_serial;
 }
 
 IDevice::Snapshot IDevice::GetSnapshot() const {

@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One named device of a sensor. Its state is a snapshot of key/value texts taken from the instrument
 // (the "VEXA" device holds the last `status` answer); readers copy it with Assign.
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -29,6 +31,8 @@ public:
     // Whether a snapshot has been taken since the sensor went on line.
     bool HasSnapshot() const;
     void ClearSnapshot();
+    // Counts the snapshots taken, so a reader can tell a new status from the one it has seen.
+    uint64_t SnapshotSerial() const;
 
 private:
     std::wstring m_name;
@@ -36,4 +40,5 @@ private:
     mutable std::mutex m_mutex;
     Snapshot m_values;
     bool m_hasSnapshot = false;
+    uint64_t m_serial = 0;
 };

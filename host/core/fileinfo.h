@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Folder entries and the static folder operations. Local names go to the workstation's file system;
 // remote names ("@HOST:PATH") go to the back end that a registered FileInfoImplFactory creates.

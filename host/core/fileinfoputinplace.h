@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Putting a copy in place through FileInfo, which picks the local back end for local names and the
 // registered remote one (the instrument's link) for "@HOST:PATH" names.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The workstation's file back end: stdio with fopen modes.
 #include "stdiofile.h"
 

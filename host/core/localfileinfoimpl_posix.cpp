@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The workstation's folder back end over POSIX calls.
 #include "fileinfo.h"
 

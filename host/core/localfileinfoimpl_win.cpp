@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The workstation's folder back end over the Windows wide-path calls. Errors are kept as the C
 // library's errno numbers, as on every platform, so that messages and tests read alike.
 #include "fileinfo.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "timeformat.h"
 
 bool ToLocalTime(std::time_t seconds, std::tm* local) {

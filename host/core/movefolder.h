@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Moving a workstation folder to another name without overwriting anything.
 #include <string>

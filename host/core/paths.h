@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Workstation paths. The platform's native separator is used where the suite writes a backslash.
 #include <cstdio>

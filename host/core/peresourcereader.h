@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Reads the resources of a Windows resource-only module (PE32 or PE32+) on any platform, without the
 // system's loader. The whole file is held in memory and every offset, size and count taken from it is

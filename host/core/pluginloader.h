@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Loads the sensor-type modules (*.sdll) of a folder into the running host. A module exports no
 // functions: loading it constructs its static plug-in description, which registers itself with the

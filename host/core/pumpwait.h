@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The message-pumping wait: network waits are cut into slices of at most 100 ms between which the
 // calling thread's events are dispatched, so a user interface stays live during a slow instrument.

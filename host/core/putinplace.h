@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // How a finished copy replaces the final name with its temporary file: the file operations of the side
 // that received it (a local rename, the instrument's folder operations over its link, or FTP's rename

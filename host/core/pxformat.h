@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Formatting with the Windows wide-printf meaning on every platform: %s takes a wide string
 // (const wchar_t*), %S a narrow one; numeric conversions follow printf (%d, %0*d, %2d, %.01f, %.02e...).

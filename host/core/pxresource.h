@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // String tables of loaded modules. A module registers its table when loaded; texts are looked up by
 // numeric id in the calling thread's current module first, then in every registered table.

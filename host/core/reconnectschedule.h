@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // When to try again an instrument that went away by itself: 1, 2, 4, 8 and 16 s after the drop and
 // after each failed attempt, then every 30 s, each wait stretched or shortened by up to 20 % at random

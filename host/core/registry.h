@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The suite's settings ("the registry"): sections and values in one INI file, or on Windows in the
 // registry. The store is the file $VEXA_SETTINGS when set, else the platform's default: the key

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The platform's side of CPXRegistry: where the settings live by default, and the platform's own
 // store where it has one (the Windows registry under HKEY_CURRENT_USER\Software\VexaSuite). Sections

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Names of files on an instrument: "@HOST:PATH", e.g. "@10.0.0.5:/Data/run1.vxs". The host text holds
 // no ':'. Instrument paths always use '/'. Anything else is a local (workstation) name.

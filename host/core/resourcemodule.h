@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The platform's calls for resource-only modules (".ddll"), so code that reads them reads as it would on
 // Windows. Here they sit on PEResourceReader; a Windows build may forward them to the system's loader.

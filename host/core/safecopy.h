@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Copying one file so that its final name only ever holds a complete file: the data goes to a
 // temporary name, and the old file of the final name goes only once the new one is complete. What

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's base of one sensor type (one loaded module): identity, file types, tools, and the making
 // of addresses and sensor objects. A module holds one static object of a derived class; constructing

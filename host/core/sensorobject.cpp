@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sensorobject.h"
 
 #include "winsockerror.h"
@@ -602,6 +603,9 @@ std::wstring ISensorObject::GetStatusValue(int, int) {
     return {};
 }
 void ISensorObject::ShowTuneReports() {}
+bool ISensorObject::EditTextFile(const std::wstring&) {
+    return false;
+}
 
 // Taking a sensor out of the configuration: off line, and no longer found by Select.
 void ISensorObject::Remove(bool) {

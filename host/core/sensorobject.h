@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's base of one configured instrument: names, devices, the on-line/off-line state machine,
 // reference counting, the registry of live sensors, observers and the timer that polls the device.
@@ -93,6 +94,10 @@ public:
     virtual bool IsLinkOpen() const;
     // The sensor's last connection error (a Winsock number or 22), 0 when none.
     virtual int GetLastLinkError() const;
+    // Edits one of the instrument's text or configuration files (its full remote name) in the sensor
+    // type's text editor, with that editor's access rule; false when nothing was shown (refused, or the
+    // sensor type has no editor).
+    virtual bool EditTextFile(const std::wstring& fullName);
 
     // ---- non-virtual host services ----
     ISensorInfo* GetSensorInfo() const { return m_info; }

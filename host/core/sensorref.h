@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One counted reference on a sensor object, released when the holder goes: the sensor lives at least as
 // long as the holder, whoever else drops theirs meanwhile. Move-only; not thread-safe itself (the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Waiting for an instrument whose link dropped, for work that should go on once it is back (a copy
 // that retries a file). Runs on any thread; on a thread with a pump dispatcher events keep flowing.

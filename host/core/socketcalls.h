@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The platform's socket calls as the link uses them: Winsock 2 on Windows, BSD sockets elsewhere. A
 // handle is an intptr_t on both (Winsock's INVALID_SOCKET is -1 there too). Errors are Winsock numbers

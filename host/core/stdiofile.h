@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // An open file on the workstation or on an instrument. Remote names ("@HOST:PATH") are served by the
 // back end that a registered StdioFileImplFactory creates; local names by the workstation back end.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Wide/UTF-8 text conversion. Module strings are std::wstring (UTF-16 on Windows, UTF-32 elsewhere);
 // the instrument link and files carry UTF-8.

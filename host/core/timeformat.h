@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Dates and times as the suite shows them. Times are milliseconds since 1970-01-01 UTC (signed, so
 // dates before 1970 work); the offset is the local time's distance from UTC in minutes at that time,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "wholefile.h"
 
 #include "remotename.h"

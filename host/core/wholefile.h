@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Reading a whole local or remote ("@HOST:PATH") file into memory, refusing one larger than a bound
 // before it is all read.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 #include <string>
 // Matches a name against a pattern with '*' and '?'; several patterns may be joined by ';'.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The link reports Winsock error numbers on every platform, so that users and logs see the same numbers
 // whatever the workstation runs.

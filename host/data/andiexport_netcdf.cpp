@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ANDI-MS through the netCDF library: dimensions, per-scan and per-point variables, global attributes.
 #include "vexaexport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Builds without the netCDF library cannot write ANDI-MS files, and say so.
 #include "vexaexport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The text an operator reads for one tune report: a header (title, tune file, instrument, date and time
 // in local time), the tune settings, and the calibrant's mass table with the target and measured

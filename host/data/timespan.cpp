@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "timespan.h"
 
 std::wstring FormatTimeSpan(int64_t seconds) {

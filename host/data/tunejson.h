@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // JSON forms of the tune library's records. Readers return false for a value that is not the record;
 // they never throw.

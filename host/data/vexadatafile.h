@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's data files. A 48-byte header ("VXS1", u32 version, u32 scan count, u32 start time in
 // seconds since 1970 UTC, char[32] UTF-8 sample name, NUL-padded), then the scans, then an optional

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vexadevice.h"
 
 #include "sensorobject.h"
@@ -164,6 +165,20 @@ int VexaDevice::getProcessElapsed(bool* available) const {
 
 int VexaDevice::getProcessTotal(bool* available) const {
     return IntValue("processTotal", 0, available);
+}
+
+std::wstring VexaDevice::getSerial(bool* available) const {
+    std::string text;
+    const bool ok = GetValue("serial", &text);
+    SetAvailable(available, ok);
+    return ok ? FromUtf8(TrimBlanks(text)) : std::wstring();
+}
+
+std::wstring VexaDevice::getFirmware(bool* available) const {
+    std::string text;
+    const bool ok = GetValue("firmware", &text);
+    SetAvailable(available, ok);
+    return ok ? FromUtf8(TrimBlanks(text)) : std::wstring();
 }
 
 int VexaDevice::getBackupProgress(bool* available) const {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument model: the device named "VEXA" of a sensor, read as a VEXARON instrument. The getters
 // read the device's snapshot (the last `status` answer, taken by the sensor's timer); none of them
@@ -56,6 +57,9 @@ public:
     int getBackupProgress(bool* available = nullptr) const;
     // Whether the instrument is ready for a run (key ready); default false.
     bool isReady(bool* available = nullptr) const;
+    // The instrument's serial number and firmware version (keys serial, firmware); empty when unknown.
+    std::wstring getSerial(bool* available = nullptr) const;
+    std::wstring getFirmware(bool* available = nullptr) const;
 
     // ---- commands (through the sensor's channel 0) ----
     // Each returns false when there is no sensor or channel (error 10057) or the instrument refuses the

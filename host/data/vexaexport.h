@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Exports of a run or of a spectrum: ANDI-MS (netCDF classic, the GC/MS interchange format), MSP (a
 // spectrum for library search programs) and CSV. Texts are UTF-8 with "\n" line ends; numbers are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One file of the data library, local or on an instrument ("@HOST:PATH"), read whole into memory.
 // JSON files (methods, sequences, tunes, tune reports) are parsed into a document that the typed

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What every JSON format of the data library shares: a "format" name and a "version" (1), readers
 // that reject another format or a newer version, and field access that never throws on a file of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A method (.mth) or default method (.dmth): what the instrument runs. The method keeps the whole JSON
 // document of its file, so keys this library does not know survive an edit and a save; the getters

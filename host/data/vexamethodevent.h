@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One row of a method's event table: at `time` milliseconds after the method starts, the instrument's
 // valves go to `valveState`.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A method sequence (.xmth): methods run one after another, each a number of times. Like a method, it
 // keeps its file's whole document, so unknown keys survive an edit.

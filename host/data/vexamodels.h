@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument models (by the number the instrument's getModel reports), the sample input devices
 // (accessory codes) that each model supports, and the names of a method's coded settings.

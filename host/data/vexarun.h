@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One acquisition run as the data library holds it: the facts of the file and its scans in flat
 // arrays (a scan table plus one contiguous m/z array and one intensity array), so that a chromatogram,

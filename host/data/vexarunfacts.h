@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What a run's file says about the run, in the words the review window and `vexa data info` show.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A centroided mass spectrum: m/z ascending, one intensity each.
 #include <cstddef>

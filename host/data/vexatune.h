@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A tune file (".tun"): JSON with format "VexaTune", version 1, the tune section under `tune` and the
 // method it was made with under parameters/SENSOR. Keys this version does not know are kept.

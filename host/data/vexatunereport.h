@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A tune report file: JSON with format "VexaTuneReport", version 1, and its reports under `reports`.
 // It lies in the "Reports" folder beside its tune file (ReportFileName). Keys this version does not

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vexatunereportsections.h"
 
 const VexaTuneReportSection* VexaTuneReportSections_::GetReport(int index) const {

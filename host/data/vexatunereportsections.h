@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The reports of a tune report file, oldest first as the instrument appended them. Each report is the
 // time the instrument tuned, the tune settings it tuned with and what it measured for each mass.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The tune settings of a tune file or of one tune report: the calibrant, the ion source's settings
 // and the calibrant's masses with their target abundance (percent of the base peak) and peak width

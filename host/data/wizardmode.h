@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The method editor's mode, a setting (Method/WizardMode): basic shows the method's main settings,
 // expert adds the temperature programme, the mass range and the event table.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The row table both method editors share: a QTableWidget whose rows the user adds, removes and moves
 // with four buttons. Cell widgets (combo boxes) move with their rows.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What both method editors do with their file: Save writes the file the document came from (Save As
 // when it has none yet); Save As asks the save-name chooser, so the document goes to the PC or an

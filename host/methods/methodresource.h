@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Identifiers of the method editors' dialogs and controls (their `ctrlId`), so code and tests find
 // them by number.

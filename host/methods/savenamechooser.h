@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // How the method editors ask for a name to save under. The module installs one that offers the PC and
 // the instrument (its file selection dialog); without it the platform's save dialog is used.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The method sequence editor: steps of a method (a full name, local or on an instrument) and a repeat
 // count, added, removed and reordered, saved to a .xmth file on the PC or an instrument.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The method editor: the settings of one method (description, model, sample input device, modes,
 // concentrator) and, in expert mode, the oven programme, the mass range and the event table with its

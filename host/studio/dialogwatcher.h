@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Notices, for its lifetime, whether a dialog that did not exist when it started receives any event
 // (it is built, shown, or answered by a scripted prompt). The studio uses it to tell a dialog the

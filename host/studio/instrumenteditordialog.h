@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Adds or edits one instrument: name, address and sensor type. OK is refused, with the reason shown
 // in the dialog, while the validator finds a fault (a malformed address, a name already in use).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Keeps the configured instruments in the settings, section "Instruments":
 // Count, then <i>/Name, <i>/Address and <i>/Type for i = 0 .. Count-1.

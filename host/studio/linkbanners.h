@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The notices of instruments that dropped and came back, one closable strip each, stacked above the
 // window's contents. Non-modal: the operator reads them when convenient and closes them, or a return

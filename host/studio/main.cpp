@@ -1,10 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa-studio: the host an operator opens to work with VEXARON instruments.
 #include "qtpumpdispatcher.h"
 #include "registry.h"
 #include "studiooptions.h"
 #include "studiowindow.h"
+#include "vexaversion.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include <cstdio>
@@ -13,7 +16,10 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("VEXA Studio"));
     QApplication::setOrganizationName(QStringLiteral("VexaSuite"));
-    QApplication::setApplicationVersion(QStringLiteral(VEXA_STUDIO_VERSION));
+    QApplication::setApplicationVersion(QString::fromLatin1(kVexaVersion));
+    // The desktop entry and icon the package installs; a build-folder run simply has no icon.
+    QApplication::setDesktopFileName(QStringLiteral("org.vexasens.VexaStudio"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.vexasens.VexaStudio")));
 
     StudioOptions options;
     QString problem;
@@ -22,7 +28,7 @@ int main(int argc, char* argv[]) {
         std::fputs(qUtf8Printable(options.Usage()), stdout);
         return 0;
     case StudioOptions::Outcome::Version:
-        std::printf("vexa-studio %s\n", VEXA_STUDIO_VERSION);
+        std::puts(VexaVersionLine("vexa-studio").c_str());
         return 0;
     case StudioOptions::Outcome::Error:
         std::fprintf(stderr, "vexa-studio: %s\n\n%s", qUtf8Printable(problem),
@@ -36,7 +42,8 @@ int main(int argc, char* argv[]) {
     InstallQtPumpDispatcher();
 
     StudioWindow::Startup startup;
-    startup.pluginDir = options.pluginDir.isEmpty() ? DefaultPluginDir() : options.pluginDir;
+    startup.pluginDir = options.pluginDir.isEmpty() ? DefaultPluginDir(QApplication::applicationDirPath())
+                                                    : options.pluginDir;
     startup.instruments = options.instruments;
     StudioWindow window(startup, CPXRegistry::Instance());
     window.show();

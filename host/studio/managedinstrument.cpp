@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "managedinstrument.h"
 
 #include "sensorinfo.h"
@@ -120,6 +121,22 @@ QString ManagedInstrument::StateText(qint64 nowMs) const {
     return tr("Off line");
 }
 
+bool ManagedInstrument::RefreshActivity(qint64 nowMs) {
+    if (!m_sensor || !m_sensor->IsOnline(false)) {
+        m_activity = {};
+        return false;
+    }
+    const IDevice& device = m_sensor->GetDevice(L"VEXA");
+    const uint64_t serial = device.SnapshotSerial();
+    if (serial == m_statusSerial)
+        return false;
+    m_statusSerial = serial;
+    m_activity = InstrumentActivity::FromDevice(device);
+    if (m_activity.hasStatus)
+        m_lastStatusTime = nowMs;
+    return m_activity.hasStatus;
+}
+
 QString ManagedInstrument::Title() const {
     if (m_config.name == m_config.address)
         return m_config.name;
@@ -130,5 +147,16 @@ void ManagedInstrument::customEvent(QEvent* event) {
     if (event->type() != CSensorNotifyEvent::kDefaultType)
         return QObject::customEvent(event);
     const ISensorEvent& notification = static_cast<CSensorNotifyEvent*>(event)->SensorEvent();
+    m_notifications.append(
+        {QDateTime::currentDateTime(), notification.code, QString::fromStdWString(notification.text)});
+    if (m_notifications.size() > kMaxKept)
+        m_notifications.removeFirst();
     emit sensorEvent(notification.code, QString::fromStdWString(notification.text));
+}
+
+void ManagedInstrument::NoteAlarmChanges(const std::vector<AlarmChange>& changes) {
+    for (const AlarmChange& change : changes)
+        m_alarmChanges.append(change);
+    while (m_alarmChanges.size() > kMaxKept)
+        m_alarmChanges.removeFirst();
 }

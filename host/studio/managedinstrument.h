@@ -1,12 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One instrument of the studio's list: its configuration, the sensor object its sensor type made for
 // it (the studio holds the first reference), and what the studio knows about its connection.
 // Sensor notifications arrive here as posted events on the GUI thread and leave as a signal.
+#include "instrumentactivity.h"
 #include "instrumentconfig.h"
 #include "reconnectschedule.h"
 #include "sensorref.h"
+#include "statusmonitor.h"
 
 #include <QDateTime>
+#include <QList>
 #include <QObject>
 
 #include <memory>
@@ -48,6 +52,36 @@ public:
     // Set while the operator takes the sensor off line, so its off-line notification is not a drop.
     bool ExpectsOffline() const { return m_expectOffline; }
     void SetExpectsOffline(bool expect) { m_expectOffline = expect; }
+
+    // What the instrument is doing, from its last status (idle and without status while off line).
+    const InstrumentActivity& Activity() const { return m_activity; }
+    // Reads the sensor's last status; true when it is one not read before. Records when it came.
+    bool RefreshActivity(qint64 nowMs);
+    // When the last new status was read (ms since 1970), 0 when none has been.
+    qint64 LastStatusTime() const { return m_lastStatusTime; }
+    // What the studio keeps the instrument busy with ("Tuning ..."), shown with its state; empty when
+    // nothing.
+    const QString& BusyNote() const { return m_busyNote; }
+    void SetBusyNote(const QString& note) { m_busyNote = note; }
+    // Alarms active on the instrument now.
+    int AlarmCount() const { return ActiveAlarmCount(); }
+
+    // Trends and alarms of this session.
+    StatusMonitor& Monitor() { return m_monitor; }
+    const StatusMonitor& Monitor() const { return m_monitor; }
+    int ActiveAlarmCount() const { return m_monitor.Alarms().ActiveCount(); }
+    // The alarms begun and ended this session, oldest first (the latest kMaxKept).
+    const QList<AlarmChange>& AlarmChanges() const { return m_alarmChanges; }
+    void NoteAlarmChanges(const std::vector<AlarmChange>& changes);
+
+    struct Notification {
+        QDateTime time;
+        quint32 code = 0;
+        QString text;
+    };
+    // The sensor's notifications received this session, oldest first (the latest kMaxKept).
+    const QList<Notification>& Notifications() const { return m_notifications; }
+    static constexpr int kMaxKept = 1000;
 
     // ---- a drop the operator did not ask for ----
     // The sensor went off line by itself at `nowMs` (a steady clock): the first retry is scheduled.
@@ -91,6 +125,14 @@ private:
     int m_lastError = 0;
     bool m_connecting = false;
     bool m_expectOffline = false;
+    InstrumentActivity m_activity;
+    uint64_t m_statusSerial = 0;
+    qint64 m_lastStatusTime = 0;
+    QString m_busyNote;
+
+    StatusMonitor m_monitor;
+    QList<AlarmChange> m_alarmChanges;
+    QList<Notification> m_notifications;
     ReconnectSchedule m_schedule;
     QDateTime m_lostAt;
     bool m_retrying = false;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The sensor-type modules (*.sdll) of the plug-in folder: loads each one, notes which sensor types it
 // brought, and initialises those with the module's handle. Modules stay loaded for the life of the

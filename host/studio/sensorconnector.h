@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Takes sensors on line on pool threads, so that retries after a drop never hold up the window: the
 // link's connect then waits without pumping the GUI thread's events.

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sensormanager.h"
 
+#include "eventwords.h"
+#include "alarmtext.h"
 #include "managedinstrument.h"
 #include "movefolder.h"
 #include "paths.h"
@@ -21,22 +24,16 @@ QString ErrorText(int error) {
     return QString::fromStdWString(DescribeError(error));
 }
 
-QString EventName(quint32 code) {
-    switch (code) {
-    case kSensorEventOnline:
-        return QStringLiteral("on line");
-    case kSensorEventOffline:
-        return QStringLiteral("off line");
-    case kSensorEventBackup:
-        return QStringLiteral("backup finished");
-    default:
-        return {};
-    }
-}
 } // namespace
 
 SensorManager::SensorManager(QObject* parent) : QObject(parent) {
-    connect(&m_poller, &SensorPoller::polled, this, &SensorManager::ticked);
+    connect(&m_poller, &SensorPoller::polled, this, [this] {
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        for (ManagedInstrument* instrument : std::as_const(m_instruments))
+            instrument->RefreshActivity(now);
+        emit ticked();
+    });
+    connect(&m_poller, &SensorPoller::sensorPolled, this, &SensorManager::OnPolled);
     connect(&m_connector, &SensorConnector::finished, this, &SensorManager::OnRetryFinished);
     m_reconnectTimer.setInterval(kReconnectCheckMs);
     connect(&m_reconnectTimer, &QTimer::timeout, this, &SensorManager::StartDueRetries);
@@ -148,6 +145,7 @@ int SensorManager::Add(const InstrumentConfig& config, bool transient) {
     const int row = Count();
     auto* instrument = new ManagedInstrument(config, transient, this);
     instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    ApplyAlarmSettings(instrument);
     connect(instrument, &ManagedInstrument::sensorEvent, this,
             [this, instrument](quint32 code, const QString& text) { OnSensorEvent(instrument, code, text); });
     emit instrumentAboutToBeAdded(row);
@@ -178,8 +176,10 @@ bool SensorManager::Replace(int row, const InstrumentConfig& config) {
         return true;
     }
     const bool wasOnline = instrument->GetState() == ManagedInstrument::State::Online;
+    ReportAlarms(instrument, instrument->Monitor().Alarms().ClearAll(QDateTime::currentMSecsSinceEpoch()));
     emit linkForgotten(LinkKey(instrument));
     instrument->Attach(config, m_plugins.FindSensorType(config.sensorType));
+    ApplyAlarmSettings(instrument);
     emit logMessage(tr("Changed instrument %1 to %2, sensor type %3.")
                         .arg(old.name, instrument->Title(), config.sensorType));
     if (!instrument->Problem().isEmpty())
@@ -287,6 +287,7 @@ void SensorManager::GoOffline(int row) {
     instrument->SetLastError(0);
     instrument->Sensor()->Disconnect(0);
     emit logMessage(tr("%1 was taken off line.").arg(instrument->Title()));
+    ReportAlarms(instrument, instrument->Monitor().Alarms().ClearAll(QDateTime::currentMSecsSinceEpoch()));
     EmitChanged(instrument);
 }
 
@@ -316,15 +317,8 @@ void SensorManager::Tick() {
 }
 
 void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, const QString& text) {
-    const QString name = EventName(code);
-    QString line = tr("%1: sensor event %2").arg(instrument->Config().name).arg(code);
-    if (code >= 0x100)
-        line += QStringLiteral(" (0x%1)").arg(code, 0, 16);
-    if (!name.isEmpty())
-        line += QStringLiteral(" [%1]").arg(name);
-    if (!text.isEmpty())
-        line += QStringLiteral(": ") + text;
-    emit logMessage(line);
+    const EventWords words = DescribeSensorEvent(code, text);
+    emit eventLogged(tr("%1: %2").arg(instrument->Config().name, words.text), words.detail);
 
     if (code == kSensorEventOffline) {
         if (instrument->ExpectsOffline())
@@ -333,6 +327,8 @@ void SensorManager::OnSensorEvent(ManagedInstrument* instrument, quint32 code, c
             OnDropped(instrument, text);
     } else if (code == kSensorEventOnline) {
         OnReturned(instrument);
+        ReportAlarms(instrument,
+                     instrument->Monitor().Alarms().LinkBack(QDateTime::currentMSecsSinceEpoch()));
     }
     EmitChanged(instrument);
 }
@@ -356,6 +352,8 @@ void SensorManager::OnDropped(ManagedInstrument* instrument, const QString& text
                       : comm                          ? comm->LastError()
                                                       : 0;
     instrument->SetLastError(error);
+    ReportAlarms(instrument,
+                 instrument->Monitor().Alarms().LinkLost(QDateTime::currentMSecsSinceEpoch(), error));
     const qint64 now = ManagedInstrument::SteadyNowMs();
     const QString why = error != 0 ? tr("error %1").arg(ErrorText(error)) : tr("no answer");
     if (instrument->LostAt().isValid() && instrument->ReturnedAtMs() != 0 &&
@@ -439,7 +437,58 @@ void SensorManager::OnRetryFinished(ISensorObject* sensor, bool online, int erro
     EmitChanged(instrument);
 }
 
-void SensorManager::EmitChanged(const ManagedInstrument* instrument) {
+void SensorManager::SetAlarmSettings(const AlarmLimits& limits, int intervalMs) {
+    m_alarmLimits = limits;
+    m_alarmIntervalMs = intervalMs;
+    for (ManagedInstrument* instrument : std::as_const(m_instruments))
+        ApplyAlarmSettings(instrument);
+}
+
+void SensorManager::ApplyAlarmSettings(ManagedInstrument* instrument) {
+    instrument->Monitor().Alarms().SetLimits(m_alarmLimits);
+    if (m_alarmIntervalMs > 0 && instrument->Sensor())
+        instrument->Sensor()->SetAlarmInterval(m_alarmIntervalMs);
+}
+
+int SensorManager::ActiveAlarmCount(int row) const {
+    const ManagedInstrument* instrument = At(row);
+    return instrument ? instrument->ActiveAlarmCount() : 0;
+}
+
+int SensorManager::InstrumentsInAlarm() const {
+    int count = 0;
+    for (const ManagedInstrument* instrument : m_instruments)
+        count += instrument->ActiveAlarmCount() > 0 ? 1 : 0;
+    return count;
+}
+
+// One point of the trends and one judgement of the alarms per poll, from the snapshot that poll took.
+void SensorManager::OnPolled(ISensorObject* sensor) {
+    for (ManagedInstrument* instrument : std::as_const(m_instruments)) {
+        if (instrument->Sensor() != sensor)
+            continue;
+        if (sensor->IsOnline(false) && sensor->GetDevice(L"VEXA").HasSnapshot())
+            ReportAlarms(instrument,
+                         instrument->Monitor().Sample(*sensor, QDateTime::currentMSecsSinceEpoch()));
+        return;
+    }
+}
+
+void SensorManager::ReportAlarms(ManagedInstrument* instrument, const std::vector<AlarmChange>& changes) {
+    if (changes.empty())
+        return;
+    instrument->NoteAlarmChanges(changes);
+    for (const AlarmChange& change : changes)
+        emit logMessage(QStringLiteral("%1: %2").arg(instrument->Config().name, AlarmText::Change(change)));
+    const int row = IndexOf(instrument);
+    if (row >= 0) {
+        emit alarmsChanged(row);
+        emit instrumentChanged(row);
+    }
+}
+
+void SensorManager::EmitChanged(ManagedInstrument* instrument) {
+    instrument->RefreshActivity(QDateTime::currentMSecsSinceEpoch());
     const int row = IndexOf(instrument);
     if (row >= 0)
         emit instrumentChanged(row);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's instruments and the sensor types behind them: loads the plug-in folder, makes a sensor
 // object per instrument, takes sensors on and off line, drives their timers, and reports what happens
@@ -10,6 +11,7 @@
 // An instrument that went off line by itself (not through GoOffline) is retried on its back-off
 // schedule; the retries run on pool threads (SensorConnector), so the window never waits for them,
 // and such an instrument may be taken off line or removed while a retry runs.
+#include "alarmevaluator.h"
 #include "instrumentconfig.h"
 #include "plugincatalog.h"
 #include "sensorconnector.h"
@@ -73,6 +75,13 @@ public:
     // The interval at which Tick should run: the smallest alarm interval of the sensors (1 s default).
     int TimerInterval() const;
 
+    // The limits every instrument's alarms are judged by, and the interval each sensor is polled at
+    // (new sensors get them too).
+    void SetAlarmSettings(const AlarmLimits& limits, int intervalMs);
+    // Active alarms of one instrument (0 for a bad row), and how many instruments have any.
+    int ActiveAlarmCount(int row) const;
+    int InstrumentsInAlarm() const;
+
 public slots:
     // The alarm timer: starts OnTimer for every on-line sensor whose previous poll has ended, and
     // returns at once.
@@ -80,12 +89,17 @@ public slots:
 
 signals:
     void logMessage(const QString& line);
+    // A notification of an instrument, in words, with its number as the detail.
+    void eventLogged(const QString& line, const QString& detail);
     void instrumentAboutToBeAdded(int row);
     void instrumentAdded(int row);
     void instrumentAboutToBeRemoved(int row);
     void instrumentRemoved(int row);
     void instrumentChanged(int row);
-    // When polls have ended and the sensors' status may have changed.
+    // An instrument's alarms began or ended (after the log lines).
+    void alarmsChanged(int row);
+    // When polls have ended and the sensors' status may have changed (each instrument's Activity has
+    // been read again).
     void ticked();
     // An instrument stopped answering, or came back: told once each, in words. `key` stays the same
     // for one instrument; linkForgotten says that its notices are moot (off line by choice, removed).
@@ -100,12 +114,18 @@ private:
     void StartDueRetries();
     void OnRetryFinished(ISensorObject* sensor, bool online, int error);
     static QString LinkKey(const ManagedInstrument* instrument);
-    void EmitChanged(const ManagedInstrument* instrument);
+    void EmitChanged(ManagedInstrument* instrument);
+    void OnPolled(ISensorObject* sensor);
+    void ApplyAlarmSettings(ManagedInstrument* instrument);
+    // Logs the changes, keeps them with the instrument and tells the views.
+    void ReportAlarms(ManagedInstrument* instrument, const std::vector<AlarmChange>& changes);
     void MoveSensorFolder(const QString& from, const QString& to);
 
     PluginCatalog m_plugins;
     QList<ManagedInstrument*> m_instruments;
     SensorPoller m_poller;
+    AlarmLimits m_alarmLimits;
+    int m_alarmIntervalMs = 0; // 0: the sensors' own
     SensorConnector m_connector;
     QTimer m_reconnectTimer;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sensorpoller.h"
 
 #include <QTimer>
@@ -41,6 +42,7 @@ void SensorPoller::Finish() {
 void SensorPoller::Done(ISensorObject* sensor) {
     if (m_running.erase(sensor) == 0)
         return; // released by Finish already
+    emit sensorPolled(sensor);
     if (m_signalQueued)
         return;
     m_signalQueued = true;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Polls each on-line sensor's device (its OnTimer) on a pool thread, one poll per sensor at a time, so
 // a slow or silent instrument delays neither the window nor the other instruments.
@@ -27,6 +28,8 @@ public:
     void Finish();
 
 signals:
+    // One sensor's poll has ended (GUI thread; its snapshot is the poll's).
+    void sensorPolled(ISensorObject* sensor);
     // Polls have ended since the last signal (one signal per pass of the event loop).
     void polled();
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The live status of one instrument: the sensor's status sections as headers with their label/value
 // lines, read afresh from the sensor on every refresh. Off line it says so instead.

@@ -1,7 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "studiooptions.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QDir>
 
 StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QString* problem) {
@@ -9,10 +9,11 @@ StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QStrin
     parser.setApplicationDescription(QStringLiteral("VEXA Studio: operate VEXARON instruments from the PC."));
     const QCommandLineOption helpOption = parser.addHelpOption();
     const QCommandLineOption versionOption = parser.addVersionOption();
-    const QCommandLineOption pluginOption(QStringLiteral("plugins"),
-                                          QStringLiteral("Folder with the sensor modules (*.sdll); default: "
-                                                         "the plugins folder beside the program."),
-                                          QStringLiteral("DIR"));
+    const QCommandLineOption pluginOption(
+        QStringLiteral("plugins"),
+        QStringLiteral("Folder with the sensor modules (*.sdll); default: "
+                       "plugins beside the program, else " VEXA_PLUGIN_DIR_FROM_PROGRAM " from it."),
+        QStringLiteral("DIR"));
     const QCommandLineOption instrumentOption(
         QStringLiteral("instrument"),
         QStringLiteral("Adds an instrument for this run only and takes it on line (repeatable)."),
@@ -47,6 +48,9 @@ StudioOptions::Outcome StudioOptions::Parse(const QStringList& arguments, QStrin
     return Outcome::Run;
 }
 
-QString DefaultPluginDir() {
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("plugins"));
+QString DefaultPluginDir(const QString& programDir) {
+    const QDir dir(programDir);
+    if (dir.exists(QStringLiteral("plugins")))
+        return dir.filePath(QStringLiteral("plugins"));
+    return QDir::cleanPath(dir.filePath(QStringLiteral(VEXA_PLUGIN_DIR_FROM_PROGRAM)));
 }

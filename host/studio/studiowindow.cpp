@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "studiowindow.h"
 
 #include "datareviewwindow.h"
@@ -9,12 +10,19 @@
 #include "managedinstrument.h"
 #include "prompt.h"
 #include "registry.h"
+#include "remotename.h"
+#include "runswindow.h"
 #include "sensorinfo.h"
 #include "sensormanager.h"
 #include "sensorref.h"
+#include "servicewindow.h"
+#include "settingsdialog.h"
 #include "statuspanel.h"
+#include "statuswindow.h"
+#include "studiosettings.h"
 #include "toollist.h"
 #include "toolrunner.h"
+#include "vexaversion.h"
 
 #include <QAction>
 #include <QApplication>
@@ -29,8 +37,10 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QSortFilterProxyModel>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStyle>
@@ -46,7 +56,10 @@ constexpr int kMessageTimeoutMs = 8000;
 StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* parent)
     : QMainWindow(parent), m_startup(std::move(startup)), m_registry(registry),
       m_sensors(new SensorManager(this)), m_store(registry),
-      m_model(new InstrumentListModel(*m_sensors, this)) {
+      m_model(new InstrumentListModel(*m_sensors, this)), m_sortedModel(new QSortFilterProxyModel(this)) {
+    m_sortedModel->setSourceModel(m_model);
+    m_sortedModel->setSortRole(InstrumentListModel::kSortRole);
+    m_runs = new RunsWindow(*m_sensors, this);
     setObjectName(QStringLiteral("studioWindow"));
     setWindowTitle(kWindowTitle);
     BuildActions();
@@ -57,6 +70,9 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
     statusBar()->addPermanentWidget(m_summary);
 
     connect(m_sensors, &SensorManager::logMessage, m_log, &LogPane::Append);
+    connect(m_sensors, &SensorManager::eventLogged, m_log, &LogPane::AppendWithDetail);
+    connect(m_runs, &RunsWindow::logMessage, m_log, &LogPane::Append);
+    connect(m_runs, &RunsWindow::reviewRequested, this, &StudioWindow::ReviewDataFile);
     connect(m_sensors, &SensorManager::instrumentAdded, this, &StudioWindow::UpdateSummary);
     connect(m_sensors, &SensorManager::instrumentRemoved, this, &StudioWindow::UpdateSummary);
     connect(m_sensors, &SensorManager::instrumentChanged, this, [this](int row) {
@@ -66,7 +82,10 @@ StudioWindow::StudioWindow(Startup startup, CPXRegistry& registry, QWidget* pare
             RefreshStatus();
         }
     });
-    connect(m_sensors, &SensorManager::ticked, this, &StudioWindow::RefreshStatus);
+    connect(m_sensors, &SensorManager::ticked, this, [this] {
+        UpdateSummary();
+        RefreshStatus();
+    });
     connect(m_sensors, &SensorManager::linkLost, m_linkBanners, &LinkBanners::ShowLoss);
     connect(m_sensors, &SensorManager::linkReturned, m_linkBanners, &LinkBanners::ShowReturn);
     connect(m_sensors, &SensorManager::linkForgotten, m_linkBanners, &LinkBanners::Forget);
@@ -104,6 +123,9 @@ QList<InstrumentEditorDialog::TypeChoice> TypeChoices(const QList<ISensorInfo*>&
 // ---- construction ----
 
 void StudioWindow::BuildActions() {
+    m_settingsAction = new QAction(tr("&Settings..."), this);
+    m_settingsAction->setMenuRole(QAction::PreferencesRole);
+    connect(m_settingsAction, &QAction::triggered, this, &StudioWindow::ShowSettings);
     m_quitAction = new QAction(tr("&Quit"), this);
     m_quitAction->setShortcut(QKeySequence::Quit);
     m_quitAction->setMenuRole(QAction::QuitRole);
@@ -121,6 +143,12 @@ void StudioWindow::BuildActions() {
     m_onlineAction = new QAction(tr("Go &on line"), this);
     m_onlineAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
     connect(m_onlineAction, &QAction::triggered, this, &StudioWindow::ToggleOnline);
+    m_runsAction = new QAction(tr("&Runs"), this);
+    m_runsAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    connect(m_runsAction, &QAction::triggered, this, [this] {
+        m_runs->show();
+        m_runs->raise();
+    });
     m_stayOfflineAction = new QAction(tr("&Stay off line"), this);
     m_stayOfflineAction->setStatusTip(tr("Stop reconnecting the instrument that dropped"));
     connect(m_stayOfflineAction, &QAction::triggered, this, &StudioWindow::StayOffline);
@@ -132,6 +160,8 @@ void StudioWindow::BuildActions() {
 
 void StudioWindow::BuildMenus() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->addAction(m_settingsAction);
+    file->addSeparator();
     file->addAction(m_quitAction);
     QMenu* instrument = menuBar()->addMenu(tr("&Instrument"));
     instrument->addAction(m_addAction);
@@ -140,6 +170,8 @@ void StudioWindow::BuildMenus() {
     instrument->addSeparator();
     instrument->addAction(m_onlineAction);
     instrument->addAction(m_stayOfflineAction);
+    QMenu* window = menuBar()->addMenu(tr("&Window"));
+    window->addAction(m_runsAction);
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->addAction(m_aboutAction);
 }
@@ -148,7 +180,9 @@ QGroupBox* StudioWindow::BuildInstrumentBox(QWidget* parent) {
     auto* instrumentBox = new QGroupBox(tr("Instruments"), parent);
     m_table = new QTableView(instrumentBox);
     m_table->setObjectName(QStringLiteral("instrumentList"));
-    m_table->setModel(m_model);
+    m_table->setModel(m_sortedModel);
+    m_table->setSortingEnabled(true);
+    m_table->sortByColumn(-1, Qt::AscendingOrder);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -295,6 +329,7 @@ void StudioWindow::Start() {
     const QString folder = m_startup.pluginDir;
     m_log->Append(tr("VEXA Studio started; plug-in folder %1.").arg(QDir::toNativeSeparators(folder)));
     m_sensors->LoadPlugins(folder);
+    ApplySettings();
     ShowPluginProblem();
     UpdateSummary();
 
@@ -348,15 +383,17 @@ void StudioWindow::AddRunInstruments() {
 
 int StudioWindow::SelectedRow() const {
     const QModelIndex current = m_table->selectionModel()->currentIndex();
-    return current.isValid() && m_table->selectionModel()->isRowSelected(current.row(), {}) ? current.row()
-                                                                                            : -1;
+    if (!current.isValid() || !m_table->selectionModel()->isRowSelected(current.row(), {}))
+        return -1;
+    return m_sortedModel->mapToSource(current).row();
 }
 
 void StudioWindow::SelectRow(int row) {
     if (row < 0 || row >= m_model->rowCount())
         return;
-    m_table->selectionModel()->setCurrentIndex(m_model->index(row, 0), QItemSelectionModel::ClearAndSelect |
-                                                                           QItemSelectionModel::Rows);
+    m_table->selectionModel()->setCurrentIndex(m_sortedModel->mapFromSource(m_model->index(row, 0)),
+                                               QItemSelectionModel::ClearAndSelect |
+                                                   QItemSelectionModel::Rows);
 }
 
 ISensorInfo* StudioWindow::ToolSensorType() const {
@@ -405,15 +442,22 @@ void StudioWindow::UpdateSelectionState() {
 }
 
 void StudioWindow::UpdateSummary() {
-    int online = 0;
-    for (int row = 0; row < m_sensors->Count(); ++row)
-        online += m_sensors->At(row)->GetState() == ManagedInstrument::State::Online ? 1 : 0;
+    int online = 0, running = 0, alarmed = 0;
+    for (int row = 0; row < m_sensors->Count(); ++row) {
+        const ManagedInstrument* instrument = m_sensors->At(row);
+        online += instrument->GetState() == ManagedInstrument::State::Online ? 1 : 0;
+        running += instrument->Activity().IsRunning() ? 1 : 0;
+        alarmed += instrument->AlarmCount() > 0 ? 1 : 0;
+    }
     QStringList types;
     for (ISensorInfo* type : m_sensors->SensorTypes())
         types << QString::fromStdWString(type->ShortName());
-    m_summary->setText(tr("%1 instrument(s), %2 on line  |  sensor types: %3")
+    const QString counts = tr("%1 on line, %2 running, %3 in alarm").arg(online).arg(running).arg(alarmed);
+    setWindowTitle(m_sensors->Count() > 0 ? QStringLiteral("%1 - %2").arg(kWindowTitle, counts)
+                                          : kWindowTitle);
+    m_summary->setText(tr("%1 instrument(s): %2  |  sensor types: %3")
                            .arg(m_sensors->Count())
-                           .arg(online)
+                           .arg(counts)
                            .arg(types.isEmpty() ? tr("none") : types.join(QStringLiteral(", "))));
 }
 
@@ -535,24 +579,44 @@ void StudioWindow::RunTool(int toolIndex) {
     if (!type || toolIndex < 0 || toolIndex >= static_cast<int>(type->Tools().size()))
         return;
     const SensorTool tool = type->Tools()[static_cast<size_t>(toolIndex)];
-    const ManagedInstrument* instrument = m_sensors->At(SelectedRow());
+    const int row = SelectedRow();
+    ManagedInstrument* instrument = m_sensors->At(row);
     ISensorObject* sensor = instrument ? instrument->Sensor() : nullptr;
-    m_log->Append(tr("Tool %1 chosen.").arg(QString::fromStdWString(tool.name)));
 
     // The tool may run a modal dialog that dispatches events: hold the sensor for its duration.
     const SensorRef<> held = SensorRef<>::Share(sensor);
-    const ToolRunner::Outcome outcome = ToolRunner::Run(*type, tool, held.get());
+    const QPointer<ManagedInstrument> busyInstrument = instrument;
+    const ToolRunner::BusyNotice busy = [this, busyInstrument](const QString& text) {
+        if (const int row = m_sensors->IndexOf(busyInstrument); row >= 0) {
+            busyInstrument->SetBusyNote(text);
+            emit m_sensors->instrumentChanged(row);
+        }
+        if (text.isEmpty()) {
+            statusBar()->clearMessage();
+            QApplication::restoreOverrideCursor();
+        } else {
+            statusBar()->showMessage(text);
+            QApplication::setOverrideCursor(Qt::BusyCursor);
+        }
+    };
+    const ToolRunner::Outcome outcome = ToolRunner::Run(*type, tool, held.get(), busy);
 
-    m_log->Append(outcome.message);
+    if (!outcome.message.isEmpty())
+        m_log->Append(outcome.message);
     using Kind = ToolRunner::Outcome::Kind;
     switch (outcome.kind) {
     case Kind::RanByModule:
+    case Kind::ProgramFailed: // the module has told the operator why
     case Kind::ManageFilesClosed:
     case Kind::Tuned:
+    case Kind::TuneDeclined:
     case Kind::FileChosen:
     case Kind::SelectionCancelled:
-    case Kind::MethodStarted:
     case Kind::HandedToModule:
+        break;
+    case Kind::MethodChosen:
+        if (instrument && m_sensors->IndexOf(instrument) >= 0)
+            m_runs->Run(*instrument, QString::fromStdWString(outcome.file));
         break;
     case Kind::ChooseMethodAction:
         OfferMethodActions();
@@ -567,10 +631,10 @@ void StudioWindow::RunTool(int toolIndex) {
         statusBar()->showMessage(outcome.message, kMessageTimeoutMs);
         break;
     case Kind::ShowStatus:
-        if (SelectedRow() < 0)
-            SelectRow(0);
-        m_status->setFocus(Qt::ShortcutFocusReason);
-        RefreshStatus();
+        ShowToolWindow<StatusWindow>();
+        break;
+    case Kind::ShowService:
+        ShowToolWindow<ServiceWindow>();
         break;
     case Kind::NeedsInstrument:
     case Kind::OutOfScope:
@@ -578,6 +642,15 @@ void StudioWindow::RunTool(int toolIndex) {
         Message(outcome.message);
         break;
     }
+}
+
+void StudioWindow::ReviewDataFile(const QString& file) {
+    // A file on an instrument is read through that instrument's sensor.
+    std::wstring host;
+    const bool remote = SplitRemoteName(file.toStdWString(), &host, nullptr);
+    const ManagedInstrument* instrument =
+        remote ? m_sensors->At(m_sensors->FindAddress(QString::fromStdWString(host))) : nullptr;
+    ShowDataReview(instrument ? instrument->Sensor() : nullptr, file.toStdWString());
 }
 
 DataReviewWindow* StudioWindow::DataReview() const {
@@ -629,6 +702,34 @@ void StudioWindow::RunMethodEditor(ToolRunner::MethodAction action) {
         Message(outcome.message);
 }
 
+template <class ToolWindow> void StudioWindow::ShowToolWindow() {
+    ManagedInstrument* instrument = m_sensors->At(SelectedRow());
+    if (!instrument)
+        return;
+    ToolWindow* window = nullptr;
+    for (ToolWindow* open : findChildren<ToolWindow*>(Qt::FindDirectChildrenOnly)) {
+        if (open->Instrument() == instrument)
+            window = open;
+    }
+    if (!window)
+        window = new ToolWindow(*m_sensors, *instrument, this);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void StudioWindow::ShowSettings() {
+    SettingsDialog dialog(m_registry, this);
+    if (dialog.exec() == QDialog::Accepted)
+        ApplySettings();
+}
+
+void StudioWindow::ApplySettings() {
+    m_sensors->SetAlarmSettings(StudioSettings::ReadAlarmLimits(m_registry),
+                                StudioSettings::ReadAlarmInterval(m_registry));
+    RestartTimer();
+}
+
 void StudioWindow::SaveInstruments() {
     if (!m_store.Save(m_sensors->SavedConfigs()))
         m_log->Append(
@@ -648,10 +749,13 @@ void StudioWindow::ShowAbout() {
         this, tr("About VEXA Studio"),
         tr("<h3>VEXA Studio %1</h3><p>Operates VEXARON field-portable GC/MS instruments from the PC "
            "through the sensor modules in its plug-in folder.</p><p>Plug-in folder: %2<br>Sensor "
-           "types: %3</p>")
+           "types: %3</p><p>Built with Qt %4, running on Qt %5%6.<br>Licensed under the Apache "
+           "License 2.0.</p>")
             .arg(QApplication::applicationVersion(),
                  QDir::toNativeSeparators(m_sensors->Plugins().Folder()).toHtmlEscaped(),
-                 types.isEmpty() ? tr("none") : types.join(QStringLiteral(", ")).toHtmlEscaped()));
+                 types.isEmpty() ? tr("none") : types.join(QStringLiteral(", ")).toHtmlEscaped(),
+                 QStringLiteral(QT_VERSION_STR), QString::fromLatin1(qVersion()),
+                 kVexaRevision[0] ? tr("; revision %1").arg(QString::fromLatin1(kVexaRevision)) : QString()));
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {

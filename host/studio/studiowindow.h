@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The studio's main window: the instrument list on the left, the selected instrument's live status
 // and its sensor type's tools on the right, the log at the bottom; menus to add, edit and remove
@@ -22,8 +23,10 @@ class QAction;
 class QGroupBox;
 class QLabel;
 class QPushButton;
+class QSortFilterProxyModel;
 class QSplitter;
 class QTableView;
+class RunsWindow;
 class SensorManager;
 class StatusPanel;
 class ToolListWidget;
@@ -51,6 +54,7 @@ public:
     // The Method Editor tool's menu (null until the tool first ran).
     QMenu* MethodMenu() const { return m_methodMenu; }
     LogPane* Log() const { return m_log; }
+    RunsWindow* Runs() const { return m_runs; }
     // The Data Review window (null until the tool first ran).
     DataReviewWindow* DataReview() const;
     QLabel* Banner() const { return m_banner; }
@@ -59,7 +63,7 @@ public:
     QPushButton* OnlineButton() const { return m_onlineButton; }
     // Shown while the selected instrument is reconnecting: ends the retries.
     QPushButton* StayOfflineButton() const { return m_stayOfflineButton; }
-    // The selected instrument's row, -1 when none.
+    // The selected instrument's row in the SensorManager (the list may be sorted), -1 when none.
     int SelectedRow() const;
     void SelectRow(int row);
 
@@ -74,6 +78,10 @@ public slots:
     void RunTool(int toolIndex);
     // The method editor's actions (the Method Editor tool offers them in a menu).
     void RunMethodEditor(ToolRunner::MethodAction action);
+    // Opens a data file for review (Runs' Review).
+    void ReviewDataFile(const QString& file);
+    // File > Settings...; the alarm settings apply at once on OK.
+    void ShowSettings();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -98,6 +106,10 @@ private:
     void UpdateSummary();
     void RestartTimer();
     void ShowAbout();
+    // Reads the alarm limits and interval from the settings and hands them to the sensors.
+    void ApplySettings();
+    // Raises the tool window of that class open on the selected instrument, or opens one.
+    template <class ToolWindow> void ShowToolWindow();
     ISensorInfo* ToolSensorType() const;
     void Message(const QString& text);
 
@@ -106,6 +118,7 @@ private:
     SensorManager* m_sensors;
     InstrumentStore m_store;
     InstrumentListModel* m_model;
+    QSortFilterProxyModel* m_sortedModel;
     QTimer m_timer;
 
     QLabel* m_banner = nullptr;
@@ -124,15 +137,18 @@ private:
     QMenu* m_methodMenu = nullptr;
     QPointer<DataReviewWindow> m_dataReview;
     LogPane* m_log = nullptr;
+    RunsWindow* m_runs = nullptr;
     QSplitter* m_mainSplitter = nullptr;
     QSplitter* m_topSplitter = nullptr;
     QSplitter* m_rightSplitter = nullptr;
 
+    QAction* m_settingsAction = nullptr;
     QAction* m_quitAction = nullptr;
     QAction* m_addAction = nullptr;
     QAction* m_editAction = nullptr;
     QAction* m_removeAction = nullptr;
     QAction* m_onlineAction = nullptr;
+    QAction* m_runsAction = nullptr;
     QAction* m_stayOfflineAction = nullptr;
     QAction* m_aboutAction = nullptr;
 };

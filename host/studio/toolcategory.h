@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's tool categories; a sensor type files each of its tools under one of them.
 enum ToolCategory : int {
@@ -13,4 +14,5 @@ inline constexpr int kToolIndexDataReview = 0;  // in kToolCategoryFiles
 inline constexpr int kToolIndexManageFiles = 1; // in kToolCategoryFiles
 inline constexpr int kToolIndexRunMethod = 10;  // in kToolCategoryRun
 inline constexpr int kToolIndexStatus = 3;      // in kToolCategoryStatus
+inline constexpr int kToolIndexService = 4;     // in kToolCategoryStatus
 inline constexpr int kToolIndexTune = 7;        // in kToolCategoryRun

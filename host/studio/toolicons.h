@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Icons of a sensor type's tools. A module ships its icon images as Qt resources named by icon id
 // (":/icons/<id>-16.png" with ":/icons/<id>-32.png", or one ":/icons/<id>.png", ".svg" or ".ico"); when it

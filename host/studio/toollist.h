@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The tool list of one sensor type, as a grid of tiles (icon, name, shortcut key) in the sensor type's
 // order, with the description of the current tool beneath it and in each tile's tooltip.

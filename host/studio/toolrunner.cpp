@@ -1,8 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "toolrunner.h"
 
 #include "dialogwatcher.h"
 #include "filetype.h"
 #include "hostresource.h"
+#include "newesttunereport.h"
 #include "prompt.h"
 #include "remotename.h"
 #include "sensorinfo.h"
@@ -10,6 +12,7 @@
 #include "text.h"
 #include "toolcategory.h"
 #include "vexadevice.h"
+#include "warningtap.h"
 #include "winsockerror.h"
 
 #include <QCoreApplication>
@@ -47,38 +50,55 @@ bool WorksOnSensor(const SensorTool& tool) {
 }
 } // namespace
 
-ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor) {
+ToolRunner::Outcome ToolRunner::Run(ISensorInfo& sensorType, const SensorTool& tool, ISensorObject* sensor,
+                                    const BusyNotice& busy) {
     using Kind = Outcome::Kind;
     const QString name = QString::fromStdWString(tool.name);
 
-    if (tool.category == kToolCategoryPrograms) {
-        sensorType.RunTool(tool.category, tool.index);
-        return {Kind::RanByModule,
-                Tr("Ran the tool %1 (category %2, index %3).").arg(name).arg(tool.category).arg(tool.index)};
-    }
+    if (tool.category == kToolCategoryPrograms)
+        return RunProgram(sensorType, tool);
     if (WorksOnSensor(tool)) {
         if (!sensor)
             return {Kind::NeedsInstrument,
                     Tr("%1 works on an instrument: select one in the list first.").arg(name)};
         if (tool.category == kToolCategoryRun)
-            return RunMethod(name, *sensor);
+            return ChooseMethod(name, *sensor);
         if (tool.index == kToolIndexDataReview)
             return ReviewData(name, *sensor);
         return ManageFiles(sensorType, name, *sensor);
     }
     if (tool.category == kToolCategoryRun && tool.index == kToolIndexTune)
-        return RunTune(name, sensor);
+        return RunTune(name, sensor, busy);
     if (tool.category == kToolCategoryMethods)
         return {Kind::ChooseMethodAction,
                 Tr("%1: new method, new sequence, open or default methods.").arg(name)};
-    if (tool.category == kToolCategoryStatus && tool.index == kToolIndexStatus)
-        return {Kind::ShowStatus, Tr("Showing the status panel.")};
+    if (tool.category == kToolCategoryStatus &&
+        (tool.index == kToolIndexStatus || tool.index == kToolIndexService)) {
+        if (!sensor)
+            return {Kind::NeedsInstrument,
+                    Tr("%1 works on an instrument: select one in the list first.").arg(name)};
+        return {tool.index == kToolIndexStatus ? Kind::ShowStatus : Kind::ShowService,
+                Tr("%1 of %2 opened.").arg(name, QString::fromStdWString(sensor->GetName()))};
+    }
     return {Kind::OutOfScope,
             Tr("%1 (%2) is a feature of the full instrument suite; VEXA Studio does not provide it.")
                 .arg(name, QString::fromStdWString(tool.description))};
 }
 
-ToolRunner::Outcome ToolRunner::RunTune(const QString& toolName, ISensorObject* sensor) {
+// The module tells the operator itself when a program cannot start, and returns nothing.
+ToolRunner::Outcome ToolRunner::RunProgram(ISensorInfo& sensorType, const SensorTool& tool) {
+    using Kind = Outcome::Kind;
+    const QString name = QString::fromStdWString(tool.name);
+    WarningTap warnings;
+    sensorType.RunTool(tool.category, tool.index);
+    if (!warnings.Warnings().isEmpty())
+        return {Kind::ProgramFailed,
+                Tr("%1 did not run: %2").arg(name, warnings.Warnings().join(QChar(' ')))};
+    return {Kind::RanByModule, Tr("%1 ran.").arg(name)};
+}
+
+ToolRunner::Outcome ToolRunner::RunTune(const QString& toolName, ISensorObject* sensor,
+                                        const BusyNotice& busy) {
     using Kind = Outcome::Kind;
     if (!sensor)
         return {Kind::NeedsInstrument,
@@ -87,12 +107,25 @@ ToolRunner::Outcome ToolRunner::RunTune(const QString& toolName, ISensorObject* 
     if (!sensor->IsOnline(true))
         return {Kind::TuneFailed, Tr("%1 is off line: take it on line to tune it.").arg(sensorName)};
     VexaDevice device(sensor->GetDevice(L"VEXA"));
-    if (!device.runTune()) {
+    if (const std::wstring running = device.getActiveProcess(); !running.empty())
+        return {Kind::TuneFailed, Tr("%1 is running %2: tune it when the run has ended.")
+                                      .arg(sensorName, QString::fromStdWString(running))};
+    const QString question =
+        Tr("Tune %1 now? The instrument is busy for about %2 s.").arg(sensorName).arg(kTuneSeconds);
+    if (Prompt().AskYesNo(question.toStdWString(), toolName.toStdWString()) != IDYES)
+        return {Kind::TuneDeclined, Tr("%1 was not tuned.").arg(sensorName)};
+    if (busy)
+        busy(Tr("Tuning %1 ...").arg(sensorName));
+    const bool tuned = device.runTune();
+    if (busy)
+        busy({});
+    if (!tuned) {
         QString reason = QString::fromStdWString(DescribeError(device.getLastError()));
         if (!device.getLastErrorText().empty())
             reason += " - " + QString::fromStdWString(device.getLastErrorText());
         return {Kind::TuneFailed, Tr("%1 could not tune: error %2.").arg(sensorName, reason)};
     }
+    const NewestTuneReport newest;
     sensor->ShowTuneReports();
     return {Kind::Tuned,
             Tr("%1 tuned; its report was added to the reports of its tune file.").arg(sensorName)};
@@ -129,8 +162,8 @@ ToolRunner::Outcome ToolRunner::ReviewData(const QString& name, ISensorObject& s
             Tr("%1 on %2; chosen file: %3.").arg(name, sensorName, QString::fromStdWString(chosen)), chosen};
 }
 
-// A method on the instrument, started there.
-ToolRunner::Outcome ToolRunner::RunMethod(const QString& name, ISensorObject& sensor) {
+// A method or sequence on the instrument; the window asks and runs it.
+ToolRunner::Outcome ToolRunner::ChooseMethod(const QString& name, ISensorObject& sensor) {
     using Kind = Outcome::Kind;
     const QString sensorName = QString::fromStdWString(sensor.GetName());
     if (!sensor.IsOnline())
@@ -141,17 +174,10 @@ ToolRunner::Outcome ToolRunner::RunMethod(const QString& name, ISensorObject& se
         kFolderKindMethods, L"", kSelectInstrumentOnly | kSelectReturnCancel, name.toStdWString());
     if (chosen.empty() || chosen == kCancelled)
         return {Kind::SelectionCancelled, Tr("%1 on %2: no method chosen.").arg(name, sensorName)};
-    std::wstring path;
-    if (!SplitRemoteName(chosen, nullptr, &path))
+    if (!SplitRemoteName(chosen, nullptr, nullptr))
         return {Kind::MethodFailed, Tr("%1 on %2: %3 is not on the instrument; choose a method there.")
                                         .arg(name, sensorName, QString::fromStdWString(chosen))};
-    VexaDevice device(sensor.GetDevice(L"VEXA"));
-    if (!device.runMethod(L"\"" + path + L"\""))
-        return {Kind::MethodFailed, Tr("%1 on %2: the instrument did not start %3: error %4.")
-                                        .arg(name, sensorName, QString::fromStdWString(path),
-                                             QString::fromStdWString(DescribeError(device.getLastError())))};
-    return {Kind::MethodStarted,
-            Tr("%1 on %2: the instrument runs %3.").arg(name, sensorName, QString::fromStdWString(path))};
+    return {Kind::MethodChosen, {}, chosen};
 }
 
 ToolRunner::Outcome ToolRunner::RunMethodEditor(ISensorInfo& sensorType, MethodAction action,

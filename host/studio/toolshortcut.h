@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A tool's shortcut as the sensor type declares it (Windows virtual-key codes) in Qt's terms.
 #include <QKeySequence>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The text of a dialog control of any kind, as the Windows dialog manager would read and write it.
 #include <QString>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The progress of one copy job, shared between the worker that reports it and the window that shows
 // it. Every operation is thread-safe: the worker writes through ICopyProgress, the UI thread reads a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Dialog data exchange: moving values between a dialog's members and its controls, in the direction
 // UpdateData asks for. A dialog lists its exchanges in DoDataExchange; each helper works both ways.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The host's dialog base. A dialog is built from a compiled Qt Designer template whose controls carry
 // their numeric identifier in the dynamic property `ctrlId`; code finds them by that number, moves

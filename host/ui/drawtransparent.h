@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Draws part of a bitmap with one colour left out, the suite's way of drawing icons and animation
 // frames over any background without an alpha channel.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The drive box of a PC file pane: the workstation's mount roots ("/" first, the user's home, then
 // every other mounted volume) and, while an instrument is on line, an entry for the instrument.

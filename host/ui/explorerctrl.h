@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The file list of a file pane: one row per entry with Name, Size and Date, folder and file icons.
 // The control only shows and reports; the owner decides everything:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Modal progress of a copy job that runs on a worker thread: the current file, its progress, the
 // total progress when the job announced its size, bytes copied, speed and time left. Cancel (and

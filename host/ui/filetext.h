@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // How the host's file controls show a file's size and time, and how its file dialogs take a filter.
 #include <QString>

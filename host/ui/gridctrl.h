@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A read-only grid of texts. Columns come in groups: AddColumn starts a group and AddSubColumn adds
 // the columns under it; a group's title heads its sub-columns ("Group" over "Sub"). An optional check

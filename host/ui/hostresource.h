@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Identifiers of the host's dialog templates and of their controls. A control's identifier is its
 // `ctrlId` property in the template, so that code and tests find it by number.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Print margins and the page arithmetic that goes with them. A margin is given in inches (unit 0) or in
 // centimetres (any other unit); the edges are computed from the device's page in device pixels and its

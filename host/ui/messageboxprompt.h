@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The real prompt: message boxes, and the overwrite dialog for overwrite questions.
 #include "prompt.h"

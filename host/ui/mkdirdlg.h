@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Asks for the name of a new folder. OK stays disabled while the name cannot be a folder name, and a
 // line under the edit says why.

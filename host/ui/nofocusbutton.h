@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A small icon button that never takes the keyboard focus, so clicking it leaves the focus (and the
 // selection highlight) in the list the user works in.

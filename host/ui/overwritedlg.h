@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "A file of that name exists: replace it?" with Yes, Yes to All, No, No to All and Cancel. When both
 // entries are known, their sizes and modification times stand side by side, the newer one marked, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What an overwrite question is about: the name, what it would replace, and both entries when they are
 // known, so the user can decide on sizes and times rather than on a name alone.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Chooses where a document is printed: one of the desktop's printers, or a PDF file (the PDF printer
 // of pdfprinter.h). OK sets the printer up; Cancel leaves it as it was. A test answers it through the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Questions and messages to the user. Everything that asks the user goes through the installed
 // prompt, so that tests answer from a script (ScriptedPrompt) and never block on a real box.

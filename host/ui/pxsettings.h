@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The suite's settings seen from the user interface: QSettings over the same INI file as CPXRegistry
 // (the file named by $VEXA_SETTINGS, else the default). Values are addressed as CPXRegistry's are: a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The pumping wait's dispatcher for a thread that runs a Qt event loop (the UI thread): the link's
 // waits dispatch the thread's Qt events between their slices, so windows stay live.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A prompt for tests: answers come from queues, and every question is recorded. It installs itself for
 // its lifetime (restoring the previous prompt on destruction), so a test only declares one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sensor notification delivered to a window's thread as a posted event (the WM_USER+1 path).
 #include "sensorevent.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sensor observer for a window: each notification is posted to the window's thread as a
 // CSensorNotifyEvent, whatever thread raised it. The window handles it in its event() or

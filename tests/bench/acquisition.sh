@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # An acquisition of the demo method at --time-scale 20: how long after its processTotal the data file
 # is announced (`vexa method run --wait` returns with its path). Goal: within 1 s.
 # Usage: tests/bench/acquisition.sh   Environment: BUILD (default build), VEXA_BENCH_ADDRESS.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Many small data files: `vexa cp -r` from the instrument over one link and over several at once. Each
 # file costs the link's 0.5 s wait after it, so the time is about files x 0.5 s / links.
 # Usage: tests/bench/cp-jobs.sh [files] [jobs...]   (200, then 1 and 4 by default)

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The link against FTP on a slow field network: a network namespace whose loopback (MTU 1500) is
 # limited by a token bucket, the simulator and an FTP server (pyftpdlib) inside it, and `vexa get`
 # against `curl` for a compressible log, a data file and random bytes. Medians of ROUNDS runs; the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # `vexa ls` of a large instrument folder over the link (ENTRIES files plus the way up), the whole
 # command from start to exit: connecting, the simulator's listing, the transfer and printing. Median of
 # ROUNDS runs.

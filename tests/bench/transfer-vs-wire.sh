@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Throughput of `vexa get` and `vexa put` next to the wire's own speed, in one run on one loopback
 # address: a raw TCP read of the same file (bash reading /dev/tcp from a server that uses sendfile)
 # and curl over FTP (pyftpdlib). Every figure is the median of ROUNDS runs; the machine is shared, so

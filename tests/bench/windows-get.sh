@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # `vexa.exe get` under Wine next to the Linux `vexa get`, of the same file from one simulator, in one
 # run. Wine's overhead is information, not a goal. The machine is shared: compare figures of one run.
 # Usage: tests/bench/windows-get.sh [MiB]   (256 by default)

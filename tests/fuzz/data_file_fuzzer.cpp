@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data files fed to the reader as they come, compressed or not. A file the reader accepts must be
 // walkable by every view of the run model and must read back the same after it is written again.
 #include "compression.h"

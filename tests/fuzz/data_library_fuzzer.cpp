@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The data library's formats fed with the fuzzer's bytes: method and sequence files through the file
 // reference (JSON, or a data file's parameter block), tune files and tune report files. The first
 // byte chooses the reader; the rest is the file.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The VEXA sensor that the link fuzz targets talk through: one for the whole session, on line over the
 // scripted link (scriptedlink.h). A run that times out takes it off line; the next run takes it on line

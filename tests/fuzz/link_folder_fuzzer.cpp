@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The folder back end while the instrument sends the fuzzer's bytes: listings of directory records
 // (sorted as the file lists show them, and planned as a folder copy would be), one file's description
 // with its preview, a command's output and a status reply. The first byte chooses the operation.

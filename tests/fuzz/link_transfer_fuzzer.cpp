@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading a file over the link while the instrument sends the fuzzer's bytes: frame headers, data
 // frames (compressed or not, "more follows" or not), replies for this and other transfers, frames cut
 // short. The first byte chooses how the module reads; the rest is the instrument's stream.

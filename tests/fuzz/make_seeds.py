@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes the seed corpora of the fuzz targets (corpus/<target>/). The frames are spelled out here
 field by field, apart from the module's and the simulator's encoders. Run it again after changing a
 seed; the files it writes are checked in."""

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The resource reader of default-method modules fed with the fuzzer's bytes as a module file: the
 // headers, the section table, the resource directory tree, string tables and named resource types.
 #include "peresourcereader.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs every fuzz target for SECONDS each (default 60) from its checked-in seeds and says how many
 # inputs each tried. New inputs the fuzzer finds interesting go to build-fuzz/corpus/<target>/ (kept
 # between runs, never into the sources); an input that crashes a target is kept in build-fuzz/findings/

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's side of every link in a fuzz target. What the module receives comes from the
 // fuzzer's bytes; what it sends is dropped. This file's .cpp is linked in place of the socket link and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The simulator's side of one connection fed with the fuzzer's bytes: frame headers, request decoding,
 // every file command with its path confinement, uploads and the command language. After every run the
 // folder beside the served root must be exactly as it was: a request that reaches it is an escape,

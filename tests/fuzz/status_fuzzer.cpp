@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument's status and events texts, as the sensor's timer takes them: the `status` answer
 // becomes the "VEXA" device's readings and the status panel, each `events` line a notification to
 // observers. The input is the status text, a NUL byte, then the events text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The simulator's demo tree (tools/vexa-sim/demo under $VEXA_SOURCE_DIR): methods, tunes, reports and
 // data files as a real instrument holds them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A communication sensor whose channel 0 is scripted by the test, so sensor objects can be tested
 // without a network. Commands are recorded and answered by the script when one is given, else from

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // An in-process TCP peer on a loopback address and the instrument's port, scripted by the test: it
 // accepts one connection at a time and runs the test's handler on it in its own thread. The handler

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Runs a program to its end and collects what it printed. Bounded: a program still running after the
 // time limit is killed and reported with exit code -1.

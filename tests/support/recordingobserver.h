@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // An observer that records every event it is sent, from any thread. Header only: the support library
 // itself does not link the host core.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A copy progress that records what a copy job reports and cancels once `cancelAfter` bytes went by
 // (never when negative). Thread-safe, as the interface asks. Header only: the support library itself

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A scripted instrument for the link's clients: a loopback peer that takes the hello, then reads
 // whole frames and hands each to the test's responder, which may answer on the socket. Every frame

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A simulated instrument: a temporary tree, the simulator serving it, and (when asked for) a sensor
 // object for it, as the studio makes one. The simulator starts when the test says so, so that the

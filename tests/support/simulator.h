@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Starts the built vexa-sim (path from $VEXA_SIM) on a fresh loopback address and stops it when the
 // object goes. The constructor returns once the simulator accepts connections (or fails the test).

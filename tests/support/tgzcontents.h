@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What a gzip-compressed tar archive holds, read with libarchive: files with their bytes, folders by
 // name. A damaged or truncated archive reads as not ok.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The rows of a file list, read by name, for the dialogs' tests.
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main of the GoogleTest programs with windows: a QApplication (offscreen unless the platform is
 // set), the GUI thread's pumping wait as in the studio, and settings and data folders of their own
 // before anything reads them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the Windows platform layer does on its own: Winsock errors as they come, the message-pumping
 // wait, the registry as the settings store, and WinINet's errors.
 #include "ftperror.h"

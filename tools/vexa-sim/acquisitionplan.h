@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What a method file asks the instrument to acquire: how long (from the injection to the end event,
 // the rule the workstation's default methods use), the oven programme that sets the retention times,

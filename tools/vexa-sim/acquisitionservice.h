@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's acquisition: `method run` of a method file runs the method for its run time divided
 // by the time scale on a thread of its own, then writes the scans as a version-2 data file under a

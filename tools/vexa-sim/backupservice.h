@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's backup: packs instrument paths into /Backup/<hostname>_backup.tgz on a thread of
 // its own, so file transfers and status keep being served meanwhile. The archive is written under a

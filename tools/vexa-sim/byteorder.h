@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Little-endian reads and writes, byte by byte, so the wire layout never depends on the build host.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's command language (request command 8): status, param get/set, events,
 // method run, tune manual, backup, and the harmless echo, date and uname. Thread-safe; every

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's own writer of version-2 data files (48-byte header, scan table, points, parameter
 // block). Written apart from the workstation's data library on purpose: a layout mistake must not hide

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "deviceprofile.h"
 
 #include <algorithm>
@@ -129,6 +130,10 @@ bool DeviceProfile::LoadText(const std::string& text, std::string* problem) {
                 drift = value.get<bool>();
         } else if (key == "methodMRU") {
             good = ReadTexts(value, &methodMRU);
+        } else if (key == "serial" || key == "firmware") {
+            good = value.is_string();
+            if (good)
+                (key == "serial" ? serial : firmware) = value.get<std::string>();
         } else if (key == "omitKeys") {
             good = ReadTexts(value, &omitKeys);
         } else if (key == "parameters") {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the simulated instrument reports about itself: model codes, heater temperatures (tenths of
 // a degree C), pressures, the method list. Built-in defaults, overridden key by key from a JSON
@@ -29,6 +30,8 @@ public:
     int carrierControlPres = 0;
     double totalPres = 0; // Pa
     std::vector<std::string> methodMRU;
+    std::string serial = "VX-0427";
+    std::string firmware = "4.2.1";
     double methodSeconds = 5;
     // Readings wander a little around their values, as a real instrument's do.
     bool drift = true;

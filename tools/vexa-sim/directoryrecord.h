@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One 1,104-byte directory record: the instrument's description of a file or folder.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The faults the file service injects, one per --fault option:
 //   stall-after=N        stop sending after N bytes on each connection, but keep it open

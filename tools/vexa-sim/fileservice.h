@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's file system as the link serves it: listing, reading, describing, deleting,
 // renaming and making folders, and opening uploads. Stateless and shared by every connection; each

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The 32-byte frame header and whole frames, encoded and decoded field by field.
 #include <array>

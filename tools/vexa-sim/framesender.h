@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Sends the frames of one connection, applying the fault plan to the file service's frames.
 // Used only by that connection's thread.

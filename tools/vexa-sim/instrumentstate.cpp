@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "instrumentstate.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <numbers>
 
 namespace {
@@ -15,16 +17,52 @@ std::vector<std::uint8_t> BytesFromHex(const std::string& hex) {
     return bytes;
 }
 
+std::string FileStamp(const std::string& path) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(path, error);
+    if (error)
+        return {};
+    const auto size = std::filesystem::file_size(path, error);
+    return std::to_string(time.time_since_epoch().count()) + ":" + std::to_string(error ? 0 : size);
+}
+
 } // namespace
 
 InstrumentState::InstrumentState(DeviceProfile profile) : m_profile(std::move(profile)) {
     m_parameters[{kReadyParameter, 0}] = {1, 0, 0, 0};
+    ApplyProfileParametersLocked();
+}
+
+void InstrumentState::ApplyProfileParametersLocked() {
     for (const auto& [key, hex] : m_profile.parameters) {
         unsigned id = 0;
         unsigned index = 0;
         if (std::sscanf(key.c_str(), "%u:%u", &id, &index) == 2)
             m_parameters[{id, index}] = BytesFromHex(hex);
     }
+}
+
+void InstrumentState::WatchProfile(const std::string& path) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_profilePath = path;
+    m_profileStamp = FileStamp(path);
+}
+
+void InstrumentState::ReloadProfileLocked() {
+    if (m_profilePath.empty())
+        return;
+    const std::string stamp = FileStamp(m_profilePath);
+    if (stamp.empty() || stamp == m_profileStamp)
+        return;
+    m_profileStamp = stamp;
+    DeviceProfile profile = DeviceProfile::Default();
+    std::string problem;
+    if (!profile.LoadFile(m_profilePath, &problem)) {
+        std::fprintf(stderr, "vexa-sim: profile not changed: %s\n", problem.c_str());
+        return;
+    }
+    m_profile = std::move(profile);
+    ApplyProfileParametersLocked();
 }
 
 int InstrumentState::Drifted(int value, double amplitude, int salt, double seconds) const {
@@ -38,6 +76,7 @@ int InstrumentState::Drifted(int value, double amplitude, int salt, double secon
 
 std::string InstrumentState::StatusText() {
     std::lock_guard<std::mutex> lock(m_mutex);
+    ReloadProfileLocked();
     const Clock::time_point now = Clock::now();
     AdvanceLocked(now);
     const double seconds = std::chrono::duration<double>(now - m_start).count();
@@ -80,6 +119,8 @@ std::string InstrumentState::StatusText() {
         add("methodMRU." + std::to_string(i), m_profile.methodMRU[i]);
     const std::vector<std::uint8_t>& ready = m_parameters[{kReadyParameter, 0}];
     add("ready", std::any_of(ready.begin(), ready.end(), [](std::uint8_t b) { return b != 0; }) ? "1" : "0");
+    add("serial", m_profile.serial);
+    add("firmware", m_profile.firmware);
 
     std::string text;
     for (const auto& [key, value] : lines) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The live state of the simulated instrument, shared by every connection: drifting readings,
 // parameters, the running method and the queue of pending events. Thread-safe.
@@ -21,6 +22,11 @@ public:
     static constexpr std::uint32_t kReadyParameter = 5;
 
     explicit InstrumentState(DeviceProfile profile);
+
+    // Reads the profile file afresh whenever it has changed since (checked at each `status`), over the
+    // built-in defaults, so a test or a demo can script the readings while the instrument runs. A
+    // file that does not read keeps the profile as it was.
+    void WatchProfile(const std::string& path);
 
     // The `status` answer: one key=value line per reading.
     std::string StatusText();
@@ -50,9 +56,13 @@ public:
 
 private:
     void AdvanceLocked(Clock::time_point now);
+    void ReloadProfileLocked();
+    void ApplyProfileParametersLocked();
     int Drifted(int value, double amplitude, int salt, double seconds) const;
 
-    const DeviceProfile m_profile;
+    DeviceProfile m_profile;
+    std::string m_profilePath;
+    std::string m_profileStamp; // modification time and size of the file last read
     const Clock::time_point m_start = Clock::now();
     std::mutex m_mutex;
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<std::uint8_t>> m_parameters;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa-sim: a stand-in for the instrument on the other end of the link.
 #include <csignal>
 #include <cstdio>
@@ -8,6 +9,7 @@
 #include "acquisitionservice.h"
 #include "backupservice.h"
 #include "commandlanguage.h"
+#include "demoinstrument.h"
 #include "deviceprofile.h"
 #include "fileservice.h"
 #include "instrumentstate.h"
@@ -17,6 +19,7 @@
 #include "simserver.h"
 #include "tracelog.h"
 #include "tunerunner.h"
+#include "vexaversion.h"
 
 namespace {
 
@@ -51,6 +54,9 @@ int main(int argc, char** argv) {
     case SimOptions::Outcome::Help:
         std::fputs(SimOptions::Usage().c_str(), stdout);
         return 0;
+    case SimOptions::Outcome::Version:
+        std::puts(VexaVersionLine("vexa-sim").c_str());
+        return 0;
     case SimOptions::Outcome::Error:
         std::fprintf(stderr, "vexa-sim: %s\n%s", problem.c_str(), SimOptions::Usage().c_str());
         return 2;
@@ -58,6 +64,14 @@ int main(int argc, char** argv) {
         break;
     }
 
+    if (options.demo) {
+        if (options.root.empty())
+            options.root = demo_instrument::DefaultRoot().string();
+        if (!demo_instrument::Prepare(options.root, &problem)) {
+            std::fprintf(stderr, "vexa-sim: %s\n", problem.c_str());
+            return 1;
+        }
+    }
     std::error_code error;
     if (!std::filesystem::is_directory(options.root, error)) {
         std::fprintf(stderr, "vexa-sim: %s is not a folder\n", options.root.c_str());
@@ -79,6 +93,8 @@ int main(int argc, char** argv) {
     const PathConfinement paths(options.root);
     const FileService files(paths, options.compress);
     InstrumentState state(std::move(profile));
+    if (!options.profile.empty())
+        state.WatchProfile(options.profile);
     TuneRunner tuner(paths, state);
     BackupService backups(paths, state, options.faults);
     AcquisitionService acquisitions(paths, state, {options.timeScale, options.sample, options.seed});

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Regenerates the demo tree's data files (demo/Data) by acquiring them on the simulator itself: the
 # demo methods run on a scratch copy of the demo tree with the demo mixture (demo/Lib/Mixture.json)
 # and fixed seeds, a hundred times faster than they say, and are stopped part way; the files they

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Maps instrument paths ("/Data/run1.vxs") onto the served folder and refuses every path whose real
 // location lies outside it: "..", absolute tricks and symbolic links that lead out.

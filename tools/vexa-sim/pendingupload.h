@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A file being written by the workstation. The bytes go to a hidden temporary file beside the target,
 // which is renamed onto the target only when the last data frame has arrived, so an aborted upload

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The sample an acquisition measures: compounds, each eluting when the oven reaches its elution
 // temperature, with an amount, a peak width and a centroided spectrum (m/z and relative abundance).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The scans of a simulated acquisition: the sample's compounds as Gaussian peaks at their retention
 // times, column bleed (m/z 207 and 281) that rises with the oven, a baseline, and noise from a seeded

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One workstation connection: reads the hello, then serves request frames in order until the peer
 // goes. Runs on its own thread; Shutdown may be called from any other thread to end it.

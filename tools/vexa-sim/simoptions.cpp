@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "simoptions.h"
 
 #include <charconv>
@@ -21,6 +22,8 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
         std::string text;
         if (option == "--help" || option == "-h") {
             return Outcome::Help;
+        } else if (option == "--version") {
+            return Outcome::Version;
         } else if (option == "--root") {
             if (!value(&root))
                 return Outcome::Error;
@@ -38,6 +41,8 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
         } else if (option == "--profile") {
             if (!value(&profile))
                 return Outcome::Error;
+        } else if (option == "--demo") {
+            demo = true;
         } else if (option == "--trace") {
             trace = true;
         } else if (option == "--no-compress") {
@@ -79,18 +84,22 @@ SimOptions::Outcome SimOptions::Parse(int argc, char** argv, std::string* proble
             return Outcome::Error;
         }
     }
-    if (root.empty()) {
-        *problem = "--root is required";
+    if (root.empty() && !demo) {
+        *problem = "--root or --demo is required";
         return Outcome::Error;
     }
     return Outcome::Run;
 }
 
 std::string SimOptions::Usage() {
-    return "usage: vexa-sim --root DIR [--address 127.0.0.1] [--port 4840] [--profile FILE.json]\n"
+    return "usage: vexa-sim {--root DIR | --demo [--root DIR]} [--address 127.0.0.1] [--port 4840]\n"
+           "                [--profile FILE.json]\n"
            "                [--trace] [--no-compress] [--reply-delay MS] [--fault FAULT ...]\n"
            "                [--time-scale F] [--sample FILE.json] [--seed N]\n"
+           "       vexa-sim --help | --version\n"
            "Serves DIR as the instrument's file system on the instrument link.\n"
+           "  --demo         serve a copy of the demo instrument, made in DIR (default\n"
+           "                 ~/.local/share/vexa-sim/demo) when DIR does not exist yet\n"
            "  --time-scale F    acquisitions run F times faster than their methods say\n"
            "  --sample FILE     the sample acquisitions measure (default: DIR/Lib/Mixture.json)\n"
            "  --seed N          the seed of the acquisitions' noise (same seed, same data)\n"

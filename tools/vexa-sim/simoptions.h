@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The simulator's command line.
 #include <cstdint>
@@ -7,13 +8,15 @@
 
 class SimOptions {
 public:
-    enum class Outcome { Run, Help, Error };
+    enum class Outcome { Run, Help, Version, Error };
 
     // Reads argv; on Error `problem` says what is wrong.
     Outcome Parse(int argc, char** argv, std::string* problem);
     static std::string Usage();
 
     std::string root;
+    // Serve a copy of the demo tree (in `root`, or the default demo folder without --root).
+    bool demo = false;
     std::string address = "127.0.0.1";
     std::uint16_t port = 4840;
     std::string profile;

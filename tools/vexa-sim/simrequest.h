@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A request frame taken apart: command code, flags, ids and the two text arguments.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Listens on the instrument's port and serves each accepted connection on a thread of its own.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One accepted TCP connection: exact reads, complete writes, and a shutdown that any thread may call
 // to wake the connection's own thread out of a blocked read or write.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A gzip-compressed tar archive written with libarchive. Entries are added one at a time; a file's
 // bytes are streamed in blocks so a caller can report progress and stop between them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The simulator's log on stderr. Connection events and problems are always written; every frame
 // received and sent only with --trace. Thread-safe: each connection thread writes whole lines.

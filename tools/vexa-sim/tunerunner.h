@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's tune: `tune run [n]` tunes with manual tune file n (3 when not given, the number the
 // workstation sets; the demo's /Tune/Default.tun while none is set) and appends a report section to that

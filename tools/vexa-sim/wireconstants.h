@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Numbers of the instrument link as the instrument sees them. Kept apart from the module's own
 // definitions on purpose: the simulator must not share a mistake with the code it tests.

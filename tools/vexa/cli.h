@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The frame of the `vexa` command line: shared options, exit codes and the instrument session that
 // every command uses. Each command lives in its own cmd_*.cpp and registers itself with Add*Command.

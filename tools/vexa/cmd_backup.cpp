@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa backup HOST [-o FILE] [ITEM...]: has the instrument pack its files into a .tgz, waits for it
 // with the progress on the terminal, and fetches the archive to this computer.
 #include "cmd_filesupport.h"

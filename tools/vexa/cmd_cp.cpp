@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa cp [-r] SRC DST: files or whole folders between this computer and instruments, either way,
 // through the folder list's copy and the copy job.
 #include "cmd_filesupport.h"

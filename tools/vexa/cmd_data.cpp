@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa data info|tic|spectrum|export FILE...: what a data file holds, on this computer or on an
 // instrument (@HOST:/PATH), read through the data library; a damaged file fails with the reason.
 #include "cmd_filesupport.h"

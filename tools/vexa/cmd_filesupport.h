@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the file commands of `vexa` share: entries as they are printed, and failures as messages and
 // exit codes. Operands, sessions, progress, the overwrite question and copying one file have units of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa rm, rmdir [-r], mkdir, mv: changes to the instrument's folders, each one request over the link.
 #include "cmd_filesupport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa ls [--all] [--pattern GLOB] [--json] @HOST:/PATH: one instrument folder.
 #include "cmd_filesupport.h"
 #include "winsockerror.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa method show [--json] FILE...: the main settings and run time of methods on this computer or on
 // an instrument (@HOST:/PATH).
 #include "cmd_filesupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa method run @HOST:/Method/X.mth [--wait] and vexa method stop HOST: start an acquisition, follow
 // it with a progress bar on a terminal, and print the path of the data file it wrote.
 #include "cmd_filesupport.h"

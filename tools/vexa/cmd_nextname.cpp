@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa next-name: the next free numbered file name in a folder kind, on the PC and the instrument.
 #include "cli.h"
 

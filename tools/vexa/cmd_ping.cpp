@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa ping HOST: connect, send the hello, close.
 #include "cli.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa run [--timeout S] HOST COMMAND...: runs a command on the instrument and prints its output.
 #include "cmd_filesupport.h"
 

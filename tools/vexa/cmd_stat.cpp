@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa stat [--preview N] [--json] @HOST:/PATH: one file on the instrument, with the start of its
 // content when asked.
 #include "cmd_filesupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa status HOST [--json] [--watch]: the instrument's status panel, as the studio shows it.
 #include "cli.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa get REMOTE LOCAL, vexa put LOCAL REMOTE: one file between this computer and an instrument.
 #include "cmd_filesupport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Copying one file between any two operands (at least one usually remote) through the folder list,
 // whose temporary name keeps the final name for complete files only. When the link does not reach an

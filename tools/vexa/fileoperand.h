@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A file operand of the file commands: "@HOST:/PATH" on an instrument, anything else on this computer.
 #include "cli.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "hostsessions.h"
 
 VEXASensorObject* HostSessions::Linked(const std::wstring& host, int* error) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument sessions of one command, one per host; the link is tried once per host.
 #include "cli.h"

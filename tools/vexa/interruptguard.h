@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // SIGINT turns into a cancel of the running transfer for as long as a guard lives. Guards nest; the
 // previous handler comes back when the last one goes.

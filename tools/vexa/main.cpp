@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa: the instrument's files and status from a terminal, through the module's own back ends.
 #include "cli.h"
 #include "retryoption.h"
+#include "vexaversion.h"
 
 #include "programenvironment.h"
 
@@ -15,6 +17,7 @@ int main(int argc, char** argv) {
         "Remote files are named @HOST:/PATH, e.g. @10.0.0.5:/Data/run1.vxs.\n"
         "Exit codes: 0 success, 1 the operation failed, 2 usage, 3 the instrument could not be reached."};
     app.set_help_all_flag("--help-all", "Show the help of every command");
+    app.set_version_flag("--version", VexaVersionLine("vexa"), "Print the version and exit");
     app.add_flag("--json", ctx.options.json, "Print machine-readable results");
     app.add_flag("-q,--quiet", ctx.options.quiet, "Print nothing but results and errors");
     app.add_flag("-v,--verbose", ctx.options.verbose, "Say more about what happens");
@@ -39,6 +42,8 @@ int main(int argc, char** argv) {
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForVersion& e) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
         app.exit(e);

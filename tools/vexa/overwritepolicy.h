@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // How existing destination files are treated: asked on a terminal, else decided by --overwrite.
 #include "cli.h"

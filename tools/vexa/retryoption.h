@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // `vexa --retry N`: how often a transfer tries a file again after its link to the instrument failed.
 #include "transferretry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The commands of runs and their data: `method run` and `method stop` (under `method`), and `data`.
 #include "cli.h"

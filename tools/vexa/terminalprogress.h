@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The progress of a transfer on stderr: a bar with bytes, speed and time left, drawn only when stderr
 // is a terminal and the run is not quiet. Cancelled by Ctrl+C (see InterruptGuard). Thread-safe.

@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "defaultmethoddlg.h"
 
 #include "fileinfo.h"
 #include "gridctrl.h"
+#include "moduledir.h"
 #include "paths.h"
 #include "resource.h"
 #include "restoredlg.h"
@@ -62,11 +64,14 @@ std::wstring CodeText(int code, std::initializer_list<uint32_t> ids) {
     return code >= 0 && code < int(ids.size()) ? CDialog_::LoadString(*(ids.begin() + code)) : std::wstring();
 }
 
+// Any object of this module: the ".ddll" modules ship in the folder that holds it.
+const char kModuleAnchor = 0;
+
 } // namespace
 
 CDefaultMethodDlg::CDefaultMethodDlg(ISensorObject* sensor, QWidget* parent)
     : CDialog_(IDD_DEFAULT_METHODS, parent), m_sensor(sensor),
-      m_catalogue(PXGetExeDir(), MethodFolder(), IsValidMethodFile, AreEqualMethodFiles) {
+      m_catalogue(PXGetModuleDir(&kModuleAnchor), MethodFolder(), IsValidMethodFile, AreEqualMethodFiles) {
     Ui::Dialog1737 form;
     SetupTemplate(form);
     m_modelList = form.models;

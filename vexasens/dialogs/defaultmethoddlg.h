@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The default-methods manager: installs the factory default methods that are missing, lists the
 // installed ones of the ticked models with their main settings, edits one or makes a new one in the

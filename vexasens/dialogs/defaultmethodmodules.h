@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The factory default methods: the ".ddll" resource modules beside the programs, the models they name,
 // the ".dmth" files installed from them into the DefaultMethods folder, and their restoration. The

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Shows a small text file in a fixed-pitch font for viewing and editing. Reading and writing the file
 // is the caller's job; after IDOK the caller reads the text and whether the user changed it.

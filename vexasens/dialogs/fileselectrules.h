@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The file selection dialog's rules that need no window: which side it opens on and which location
 // radios the user may use, which folder entries a filter lists and how their sizes read, what the name

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Asks for a new name of a file or folder. The edit starts with the old name, caret at its end and
 // nothing selected, so the user edits the name rather than retyping it. Renaming is the caller's job;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Prints the lines of a tune report: a centred 14-point heading at the top edge of every page and the
 // lines in the 8-point body font below it, L lines a page (GetLinesPerPage), inside the margins.

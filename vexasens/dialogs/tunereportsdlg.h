@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The report history of one tune file: every tune of the instrument appends a report to the report file
 // in the "Reports" folder beside the tune file. The dialog lists the reports by local date and time,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file selection dialog's window: opening, the list and how it is filled, the selection timer, the
 // filter and Alt+H. The commands behind the buttons and OK are in vexafileselectdlgcommands.cpp.
 #include "vexafileselectdlg.h"

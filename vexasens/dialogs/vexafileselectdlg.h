@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The module's own open and save dialog (template 1704). One list browses either the workstation or
 // the instrument, chosen with two location radios or the drive box; the user picks or types a file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file selection dialog's commands: the location radios and the drive box, folders (enter, up,
 // new), Manage Files, and OK with its checks in save mode.
 #include "vexafileselectdlg.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One FTP control connection through libcurl, used by one thread at a time (the copy worker or the
 // user-interface thread, never both at once).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One FTP connection through WinINet: the session (agent "VEXARON", the platform's proxy settings) and
 // the connection to the instrument (default FTP port, user "qord", empty password, active transfers),

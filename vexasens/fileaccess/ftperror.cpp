@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ftperror.h"
 
 // Meanings of the FTP reply codes that refuse a command (RFC 959 and RFC 3659).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Error numbers of the FTP back end. A failed FTP operation keeps one number:
 // - 9 (no open file) and 22 (bad argument), as every back end;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Putting a copy in place on an instrument's FTP server, for a file that went there over FTP: the
 // link's folder operations may be out of reach exactly when FTP carried the file. Each call opens its

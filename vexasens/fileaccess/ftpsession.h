@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // FTP operations on an instrument outside a file transfer, for callers that need what the folder back
 // end does over the link: an upload to a temporary name followed by a rename ("___temp@@" + name),

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The VEXA sensor object that serves a host, for the back ends that talk over its link.
 #include "sensorref.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The FTP back end of StdioFile for a file on an instrument, used when the instrument link does not
 // reach the instrument. Reading and writing stream whatever the file's size: on Windows through

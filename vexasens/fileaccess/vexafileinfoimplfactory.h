@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Gives FileInfo its folder back end for an instrument: over the instrument link only. The module
 // holds exactly one instance, which registers itself with FileInfo when constructed.

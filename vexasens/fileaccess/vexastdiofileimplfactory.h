@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Gives StdioFile its back end for a file on an instrument: the instrument link first, FTP when the
 // link does not reach the instrument. The module holds exactly one instance, which registers itself

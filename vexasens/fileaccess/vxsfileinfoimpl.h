@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Folder operations on a connected instrument over the sensor object's own link: listing, making,
 // renaming and removing folders, deleting files, describing one file and running a command. Each

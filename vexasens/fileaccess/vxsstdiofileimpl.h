@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // An open file on a connected instrument, reached over the sensor object's own link. One direction per
 // open: reading streams the instrument's data frames in, writing sends data frames of up to 65,536

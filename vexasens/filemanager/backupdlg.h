@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The small modal window shown while the instrument packs a backup: a turning-reels animation and a
 // progress bar fed by the instrument's backup progress. It has no buttons and ignores Escape: the user

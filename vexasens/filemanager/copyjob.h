@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A copy between two folder lists (workstation and instrument, either way): a tree with one node per
 // folder, built from the user's selection and then run depth first.

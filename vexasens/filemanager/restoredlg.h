@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Restore Default Methods": the default methods that would be restored, each with a check box, its
 // name and when it was changed, over a warning in red. The caller builds the rows and, after IDOK,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Copies that survive a dropped link: a file whose instrument link failed is copied again from its
 // start once the instrument is back, a limited number of times. The link cannot seek, and what had

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The static objects of the loadable module's user interface: the dialog launcher behind the sensor's
 // entry points. Compiled into VexaSens.sdll only; the command line has no dialogs.
 #include "dialoglauncher.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The backup's decisions that need no window: the argument naming the entries to pack, and what a
 // sensor notification asks of the Manage Files dialog while backups may be running.

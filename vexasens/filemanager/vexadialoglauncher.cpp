@@ -1,5 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vexadialoglauncher.h"
 
+#include "instrumenttexteditor.h"
 #include "paths.h"
 #include "pxresource.h"
 #include "remotename.h"
@@ -71,4 +73,10 @@ void CVexaDialogLauncher::ShowTuneReports(VEXASensorObject& sensor, const std::w
     CTuneReportsDlg dialog(&sensor, tuneFile, DialogParent());
     dialog.SetWindowText(title);
     dialog.DoModal();
+}
+
+bool CVexaDialogLauncher::EditTextFile(VEXASensorObject& /*sensor*/, const std::wstring& fullName) {
+    QWidget* parent = DialogParent();
+    return EditInstrumentTextFile(fullName, parent ? parent->windowTitle().toStdWString() : std::wstring(),
+                                  parent);
 }

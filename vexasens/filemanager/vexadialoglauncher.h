@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The module's dialogs behind the sensor's entry points. The loadable module registers one instance
 // when it is loaded (uimoduleobjects.cpp); programs without dialogs register none.
@@ -20,6 +21,8 @@ public:
     // Asks for a tune file (the instrument's tune folder when on line) and runs the tune reports dialog
     // on it, titled `title`.
     void ShowTuneReports(VEXASensorObject& sensor, const std::wstring& title) override;
+    // Edits the file as the Manage Files dialog's Text Editor does, over the active window.
+    bool EditTextFile(VEXASensorObject& sensor, const std::wstring& fullName) override;
 
     // The window the module's dialogs open over: the application's active window, if any.
     static QWidget* DialogParent();

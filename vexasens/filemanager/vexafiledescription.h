@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The line the Manage Files dialog shows under its panes for one selected file.
 #include <cstdint>

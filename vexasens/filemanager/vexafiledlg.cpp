@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Manage Files dialog's window: start-up, the two panes, navigation, sorting, the deferred button
 // update, drag and drop between the panes, the context menu, Alt+H and sensor notifications. The
 // commands behind the buttons are in vexafiledlgcommands.cpp.

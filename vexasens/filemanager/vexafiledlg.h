@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The modal "Manage Files" dialog: the workstation's files on the left, the instrument's on the right,
 // with copy buttons between them. From it the user copies, deletes, renames and makes folders on either

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Manage Files dialog's backup: the question, the instrument's backup started with the selected
 // entries or everything, the progress window while it packs, and the archive fetched to a PC file the
 // user picks once the instrument's notification names it.

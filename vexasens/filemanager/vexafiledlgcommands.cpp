@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Manage Files dialog's commands: copy between the sides, delete, rename (by button, menu and in
 // place), new folder, open, the text editor and replay. The backup is in vexafiledlgbackup.cpp.
 //
@@ -6,10 +7,10 @@
 #include "vexafiledlg.h"
 
 #include "copyjob.h"
-#include "edittextdialog.h"
 #include "explorerctrl.h"
 #include "filecopydlg.h"
 #include "fileinfo.h"
+#include "instrumenttexteditor.h"
 #include "mkdirdlg.h"
 #include "overwritedlg.h"
 #include "paths.h"
@@ -23,7 +24,6 @@
 #include "vexadevice.h"
 #include "vexafilekinds.h"
 #include "vexafilelist.h"
-#include "vexatextfile.h"
 #include "winsockerror.h"
 
 #include <QMetaObject>
@@ -219,23 +219,8 @@ void CVexaFileDlg::EditTextFile(int row) {
         !CSystemAccess::Accessible(0))
         return;
     const FileInfo entry = *found;
-    const std::wstring fullName = RemoteList()->FullName(entry);
-
-    std::wstring text;
-    int error = 0;
-    if (!ReadTextForEditing(fullName, &text, &error)) {
-        ShowMessage(FormatString(IDS_TEXT_FILE_READ_FAILED, fullName.c_str(), DescribeError(error).c_str()));
-        return;
-    }
-    CEditTextDialog editor(this);
-    editor.SetText(text);
-    if (editor.DoModal() != IDOK || !editor.IsModified())
-        return;
-    if (AskYesNo(LoadString(IDS_OVERWRITE_EDITED_FILE) + fullName, windowTitle().toStdWString()) != IDYES)
-        return;
-    if (!WriteEditedText(fullName, editor.GetText(), &error))
-        ShowMessage(FormatString(IDS_TEXT_FILE_WRITE_FAILED, fullName.c_str(), DescribeError(error).c_str()));
-    RefreshRemotePane();
+    if (EditInstrumentTextFile(RemoteList()->FullName(entry), windowTitle().toStdWString(), this))
+        RefreshRemotePane();
 }
 
 void CVexaFileDlg::StartReplay(int row) {

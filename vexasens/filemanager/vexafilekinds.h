@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the Manage Files dialog offers for an instrument file, told by its name, and the texts of its
 // questions and commands.

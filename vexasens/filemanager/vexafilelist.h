@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The sorted entries of one folder, on the workstation or on an instrument, and the folder operations
 // of that side. It knows no window: a dialog, the command line or a copy job drives it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One side of the Manage Files dialog: the list view, the folder listing behind it, the texts under and
 // above it, and whether its selection changed since the buttons were last updated. The dialog holds two

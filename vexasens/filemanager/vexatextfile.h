@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Reading and writing a small text file (on the instrument or the workstation) for the text editor.
 // The instrument keeps line feeds only; the editor shows and returns "\r\n" line ends.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Which method a data or tune file was made with. The file names it in its "SENSOR" parameter as the
 // instrument knew it ("/Method/Default.mth"). For a file on an instrument that name lies on the same

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The static objects of the VexaSens module. They are constructed when the module is loaded (or the
 // program that compiles this file starts) and destroyed when it goes; the host learns about the sensor
 // type through them. Within this file they are built top to bottom and destroyed in reverse, so the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Starting programs the platform's way. Both return 0 or an error number (2 when the program or the
 // file is not found).

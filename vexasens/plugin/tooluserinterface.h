@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the sensor type's tools need from a user interface: a message, a file to pick when a
 // configured file is missing, and the host's method editors. The loadable module installs its dialogs here

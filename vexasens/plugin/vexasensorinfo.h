@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The VEXARON sensor type: what the host learns about it (description, file types, tools), how it
 // makes addresses and sensor objects, which files the operator may edit, and the tools of category

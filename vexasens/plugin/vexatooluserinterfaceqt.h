@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The tools' user interface in the loadable module: the host's message boxes and a file-open dialog.
 // Installed for the module's lifetime when VexaSens.sdll is loaded. UI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Resource identifiers of the VexaSens module. The numbers are part of the product: the host and the
 // operators' documentation know them, so keep every value as it stands.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The module's string table: every user-visible text by its numeric identifier (res/resource.h).
 #include "pxresource.h"

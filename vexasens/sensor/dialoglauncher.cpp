@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "dialoglauncher.h"
 
 #include <atomic>
@@ -12,4 +13,8 @@ void SetVexaDialogLauncher(IVexaDialogLauncher* launcher) {
 
 IVexaDialogLauncher* VexaDialogLauncher() {
     return g_launcher.load();
+}
+
+bool IVexaDialogLauncher::EditTextFile(VEXASensorObject&, const std::wstring&) {
+    return false;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The sensor's dialog entry points call through this interface. The loadable module fills it when it is
 // loaded (its dialogs are Qt code); programs without dialogs leave it empty and the entry points answer
@@ -17,6 +18,9 @@ public:
                             const std::wstring& title, const std::wstring& filter,
                             const std::wstring& defaultExtension, std::wstring* result) = 0;
     virtual void ShowTuneReports(VEXASensorObject& sensor, const std::wstring& title) = 0;
+    // The file manager's text editing of one instrument text or configuration file; false when refused
+    // (and by default: a launcher without an editor).
+    virtual bool EditTextFile(VEXASensorObject& sensor, const std::wstring& fullName);
 };
 
 void SetVexaDialogLauncher(IVexaDialogLauncher* launcher);

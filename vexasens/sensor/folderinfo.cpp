@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The folder table and the sequential-name generator of the sensor object.
 #include "vexasensorobject.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's list of recently used methods, as the sensor object reports it to the host.
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Frames of the instrument link: a fixed 32-byte little-endian header and a payload of at most
 // 65,536 bytes. The layouts are plain records on the wire; these helpers write and read them byte by

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One TCP connection to an instrument with the link's timed primitives. The sensor object keeps one for
 // files and listings; the communication channel keeps a second one for commands, so status polling

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's status panel: three sections of label/value lines computed afresh from the
 // instrument model on every call. Texts come from this module's string table, whichever module is

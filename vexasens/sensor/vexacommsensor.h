@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The instrument's communication sensor. Its channel 0 is a second link connection to the instrument
 // (own socket, own lock) that carries only command-8 requests ("run a command"), so that status polls

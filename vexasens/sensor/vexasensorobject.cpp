@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vexasensorobject.h"
 
 #include "dialoglauncher.h"
@@ -176,6 +177,11 @@ std::wstring VEXASensorObject::GetStatusLabel(int section, int line) {
 std::wstring VEXASensorObject::GetStatusValue(int section, int line) {
     VexaDevice device(GetDevice(L"VEXA"));
     return VexaStatusReport(device).Value(section, line);
+}
+
+bool VEXASensorObject::EditTextFile(const std::wstring& fullName) {
+    IVexaDialogLauncher* launcher = VexaDialogLauncher();
+    return launcher && launcher->EditTextFile(*this, fullName);
 }
 
 void VEXASensorObject::ShowTuneReports() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One configured VEXARON instrument: its TCP link (port 4840), parameters through the communication
 // channel, the status report, the folder table and sequential names, and the dialog entry points.
@@ -45,6 +46,7 @@ public:
     void ShowTuneReports() override;
     bool IsLinkOpen() const override;
     int GetLastLinkError() const override;
+    bool EditTextFile(const std::wstring& fullName) override;
 
     // ---- the instrument link ----
     // Fills exactly `count` bytes or fails: returns count (0 for 0) or -1 with the last link error set.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Brings an instrument's data file to the PC before it is reviewed: the file is copied into the
 // sensor's data folder (under a temporary name until complete) while a progress window shows how far

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Data Review: data files from the PC or an instrument, one tab each, with their chromatograms,
 // spectra and facts (RunReviewPage). A remote file is copied into the sensor's data folder first and

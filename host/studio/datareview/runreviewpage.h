@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One data file in Data Review: its chromatogram (the TIC and the extracted-ion traces the operator
 // adds), the spectrum of the picked scan or averaged over the selected range, optionally minus the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Hands a spectrum file to the library search program the operator configured: setting Programs/Nist
 // names the program, Programs/NistArguments its command line, where %1 stands for the spectrum

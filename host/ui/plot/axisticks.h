@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Tick positions at the steps people read a scale by: 1, 2 or 5 times a power of ten.
 #include <QString>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A chromatogram: one or more traces over retention time (seconds inside, minutes on the axis), a
 // marker at the picked time, the selected range and a background range. A click picks the nearest

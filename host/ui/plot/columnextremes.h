@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Reduces a trace to what one pixel column can show: the smallest and largest value of the samples that
 // fall into it, and the first and last (so that consecutive columns join where the trace really goes).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What every plot of a run shares: axes with readable ticks, an x range the operator zooms and pans, a
 // y range fitted to what is visible, and the mouse and keys that go with them. Subclasses give the data

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Writes plots as they are shown (same zoom, marks and labels) to a PNG or PDF file, chosen by the
 // file's suffix; several plots are stacked top to bottom on one image or page.

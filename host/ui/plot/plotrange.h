@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A closed interval on one axis of a plot, in data units (seconds, m/z, counts).
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One line of a chromatogram: its samples (x non-decreasing, in seconds) and how it is drawn.
 #include <QColor>

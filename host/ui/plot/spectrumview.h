@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A mass spectrum: one bar per m/z as relative abundance (100 = the base peak of the whole spectrum),
 // the largest visible peaks labelled with their m/z where the labels do not collide (peaks under 2 %

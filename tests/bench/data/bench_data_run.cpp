@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The data library on a 30-minute full-scan run (3,600 scans x 461 masses, about 13 MB): opening it and
 // taking its TIC, a spectrum on click, a 100-scan average, an extracted-ion trace over the whole run,
 // the memory the run takes, and the CLI's ANDI-MS export. Medians of ROUNDS.

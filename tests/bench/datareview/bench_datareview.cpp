@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data Review on a 30-minute full-scan run (3,600 scans of 461 m/z by default, about 13 MB): the time
 // to open it and show its TIC, a redraw while zooming and panning, a spectrum on click, an average of
 // 100 scans, an extracted-ion trace over the whole run, and the window's memory against the file's size.

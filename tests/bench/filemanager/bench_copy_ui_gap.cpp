@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The user-interface thread while Manage Files copies a large file each way: the copy worker moves the
 // bytes, the thread sits in the modal progress window. Reports each copy's time and the largest gap
 // between two turns of the thread's event loop (a heartbeat timer every 5 ms).

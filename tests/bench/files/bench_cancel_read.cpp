@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How long closing a large instrument read part-way takes: the file is read to a fraction, then closed
 // as a cancelled copy closes it, and the next transfer on the same sensor is checked. Next to it, what
 // reading the rest would have cost at the rate the first part came in.

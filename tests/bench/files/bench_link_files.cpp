@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Throughput of the link file back ends against the simulator on loopback, next to a raw TCP copy of
 // the same bytes in the same run, and the time to list a folder of many entries.
 // Usage: bench_link_files [MiB] [entries]   (64 and 10000 by default; VEXA_SIM names vexa-sim, else the

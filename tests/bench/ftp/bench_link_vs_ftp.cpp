@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Throughput of one remote name over both back ends in the same run: a simulator (link, port 4840) and
 // a real FTP server (port 21) on the same loopback address, 64 MiB by default, put then get, through
 // the host's StdioFile in the copy worker's 16 KiB blocks. The link is used while the sensor is on

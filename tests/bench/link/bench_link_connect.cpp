@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Connect-and-hello latency of the instrument link on loopback: the sensor goes on line (non-blocking
 // connect, hello frame) and off line again, many times; prints the distribution.
 #include "loopbackpeer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Redraw time of the plot canvas: a chromatogram trace of N points (1.7 million by default, the points
 // of a 30-minute full-scan run) drawn into an image of the plot's size, whole and while zooming and
 // panning, and a 461-bar spectrum. Prints the median and worst wall time of a frame, and the median

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instruments that drop off the network and come back, as the studio sees them: N simulators that all
 // close every connection and refuse new ones for a while (--fault outage). Reports
 // - for the first instrument: how long after its outage ended it was on line again, against the

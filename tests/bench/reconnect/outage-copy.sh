@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # A `vexa get` of random bytes over a slow field link (a network namespace whose loopback is limited
 # by a token bucket, as field-link.sh) that goes down twice during the copy (the simulator's outage
 # fault: every connection closed, new ones refused). Prints the copy's time against the same copy

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vexa backup end to end against the simulator: the fetched archive, and the exit codes of a backup
 // that succeeds, is aborted or never ends, and one that follows another backup's outcome.
 #include "processrun.h"

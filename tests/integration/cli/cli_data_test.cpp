@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `vexa method run|stop` and `vexa data` end to end against the simulator: a run acquired, waited for
 // and read back from the instrument, exports written, damaged files refused with their reasons.
 #include "demotree.h"

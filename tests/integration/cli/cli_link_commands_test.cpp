@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command-line tool's link commands end to end against the simulator: words, numbers, exit codes.
 #include "demotree.h"
 #include "loopback.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file commands of `vexa` end to end against the simulator: results, JSON shapes and exit codes.
 #include "loopback.h"
 #include "processrun.h"

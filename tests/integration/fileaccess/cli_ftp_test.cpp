@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `vexa get` and `put` when the instrument's link does not answer: the files go over FTP (a real
 // pyftpdlib server on the instrument's address), and an upload still lands under its final name only
 // once complete.

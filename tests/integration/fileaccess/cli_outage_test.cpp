@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copies that outlive dropped links: the simulator closes every connection and refuses new ones for a
 // while, twice, in the middle of a slow `vexa get`.
 #include "processrun.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files to and from the simulator through the folder lists and the link back ends: round trips at the
 // frame boundaries, Unicode names, cancel in both directions, and the simulator's faults.
 #include "copyjob.h"

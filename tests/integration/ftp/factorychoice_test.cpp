@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One instrument address served twice: the simulator on the link's port and a real FTP server on
 // port 21, each with a file of the same name but different content, so every read shows which way it
 // went. The link is used while the sensor is on line; FTP takes over once it is off line.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """A real FTP server for the FTP back end's tests, bound to one loopback address.
 
 Serves ROOT as the home of one account with every permission. Prints "ready" on stdout once it

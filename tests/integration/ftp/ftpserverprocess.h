@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A real FTP server (pyftpdlib, ftpserver.py beside this file) on a fresh loopback address, port 21,
 // serving a temporary folder as the home of one account. Free of gtest so the benchmark can use it.

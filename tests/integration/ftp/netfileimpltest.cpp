@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The FTP back end against a real FTP server (pyftpdlib) on a loopback address.
 #include "netfileimpl.h"
 #include "ftperror.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fault sweeps: for every N, the simulator cuts the connection after its N-th frame (and, for a sample
 // of N, stalls after N bytes) while `vexa` gets, puts, lists and copies a tree. Every run ends within
 // the link's limits with the error in words and numbers; the destination's old file is intact or

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A lying instrument against `vexa cp -r`, `vexa get` and the file manager's copy job: names that are
 // paths never lead out of the destination, streams that disagree with their announced length never
 // replace the PC's file, an endless stream and an endless listing stop at a bound with an error.

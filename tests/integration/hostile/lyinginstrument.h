@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // An instrument that lies, on a scripted loopback peer: its folders list what the test says (names
 // that are paths, duplicates, a million entries) and its files stream what the test says (more or

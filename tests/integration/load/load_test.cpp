@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Load: twenty `vexa` clients copying and listing against one simulator while a studio-like poller
 // asks for status every second. Every copy arrives whole, the poller never misses more than one beat
 // and the simulator's memory stays flat. CTest runs it for a few seconds; run_full.sh for a minute

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The load test for a whole minute (CTest runs it for a few seconds). Needs a built tree: ./test.sh
 # first, or BUILD=build-asan to run it under the sanitizers.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Methods on an instrument: a save and reload through the link, saves that fail under the simulator's
 // faults and leave the old file, the method that a data file on the instrument names, and the CLI.
 #include "demotree.h"

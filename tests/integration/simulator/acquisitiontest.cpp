@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Acquisitions: a method file run on the simulator writes a data file that the workstation's own
 // reader accepts, the same seed gives the same scans, SIM records only its ions, and a stop writes
 // the scans so far.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument's backup: a real .tgz packed off the request thread, progress, the completion event.
 #include <chrono>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command language behind request command 8.
 #include <chrono>
 #include <map>

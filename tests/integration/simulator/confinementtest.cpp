@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // No request reaches anything outside the served folder.
 #include <filesystem>
 

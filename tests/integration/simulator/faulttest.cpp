@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each fault switch, seen from the workstation's side of the wire.
 #include <chrono>
 

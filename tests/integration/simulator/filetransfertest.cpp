@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Listing, reading, writing and describing files through the simulator's link.
 #include <algorithm>
 #include <filesystem>

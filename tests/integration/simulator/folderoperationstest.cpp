@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Making, renaming and deleting through the simulator, and frames it must refuse.
 #include <filesystem>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The simulator as a program: start-up failures, exit codes, stopping on a signal.
 #include <cstdlib>
 #include <filesystem>
@@ -38,7 +39,7 @@ TEST_F(SimulatorTest, StartUpFailuresExitWithClearMessages) {
         {rootArg + " --reply-delay -5", 2, "--reply-delay needs a number"},
         {rootArg + " --reply-delay 60001", 2, "--reply-delay needs a number"},
         {rootArg + " --bogus", 2, "unknown option"},
-        {"", 2, "--root is required"},
+        {"", 2, "--root or --demo is required"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.arguments);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A deliberately plain link client for the simulator's tests; its frames come from the tests' own
 // byte-by-byte writers (scriptedinstrument.h), never from the simulator's or the module's encoders.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A copy of the demo tree served by a fresh simulator, and helpers to read what comes back.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument's tune: `tune run` appends a report to the report file beside the tune file.
 #include <chrono>
 #include <fstream>

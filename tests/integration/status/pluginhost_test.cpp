@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A host program loads the built VexaSens.sdll and finds the VEXA sensor type in its own registry. This
 // program links no module code: everything of the sensor type comes from the loaded file.
 #include "pluginloader.h"

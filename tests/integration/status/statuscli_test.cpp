@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // `vexa status` against the simulator: the text layout, the JSON shape and the exit codes.
 #include "loopback.h"
 #include "processrun.h"

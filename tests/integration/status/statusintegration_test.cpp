@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument model, the status panel and notifications against the real simulator.
 #include "pumpwait.h"
 #include "recordingobserver.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The backup progress window: the bar, the animation and the modal run that only its opener ends.
 #include "backupdlg.h"
 #include "device.h"

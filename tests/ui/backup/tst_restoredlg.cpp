@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The restore list: rows with their checks, the columns, the red warning, and what OK reads back.
 #include "gridctrl.h"
 #include "resource.h"

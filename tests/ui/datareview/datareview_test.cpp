@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data Review on files written with the data library: what a click, a dragged range, a background
 // range, an added trace and an export show, a version-1 file, damaged files, and tabs.
 #include "chromatogramview.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default-methods dialog over the modules that ship, copied into a temporary folder: what the grid
 // lists, what the model list does, hover texts, editing and restoring.
 #include "defaultmethoddlg.h"
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kBinDir = VEXA_BIN_DIR_FOR_TESTS;
+const std::string kPluginDir = VEXA_PLUGIN_DIR_FOR_TESTS;
 
 // A valid method without an end event: its run starts at the inject at 90 s and the end stays at 0.
 const char* kNoEndMethod = R"({"format": "VexaMethod", "version": 1, "description": "",
@@ -63,7 +64,7 @@ void DefaultMethodDlgTest::init() {
     m_modules = m_dir->createDir("bin");
     m_methods = m_dir->path() + "/DefaultMethods";
     for (const char* name : {"DefaultMethods.ddll", "RJWMethods.ddll", "TarnMethods.ddll"})
-        fs::copy_file(kBinDir + "/" + name, m_modules + "/" + name);
+        fs::copy_file(kPluginDir + "/" + name, m_modules + "/" + name);
 }
 
 void DefaultMethodDlgTest::cleanup() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A simulated instrument serving a copy of the demo tree, a sensor on line to it, a workstation folder
 // and the Manage Files dialog over both, shown (not modal) so a case can drive it directly.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Backup and Backup All from Manage Files against the simulator: the question, the entries packed, the
 // progress window, and what each backup notification does (fetch, refresh only, close on off line).
 #include "filemanagerfixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog's commands: delete questions, what the menu offers, the text editor, open, replay, copies
 // through the real worker (with a cancel midway) and the sensor's ManageFiles entry point.
 #include "filemanagerfixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog's helpers without a window: file kinds, instrument paths, the editor's line ends, the
 // replay command and the file description.
 #include "vexafiledescription.h"

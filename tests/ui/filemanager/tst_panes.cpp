@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog itself: start-up, navigation, the deferred button update, sorting, dragging, the access
 // rules on buttons, menu and keyboard, and the backup buttons' start-up rule.
 #include "filemanagerfixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A simulated instrument serving a copy of the demo tree, a sensor (on line once StartInstrument ran), a
 // workstation folder, the module's dialog launcher, and the file selection dialog, shown (not modal) so

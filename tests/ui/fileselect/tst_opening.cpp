@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening the file selection dialog: which side, which folder, which radios, what the list shows, and
 // the start folders that cannot be read.
 #include "fileselectfixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file selection dialog's commands: choosing and cancelling through SelectFile, the selection timer,
 // save mode, folders, Manage Files, Alt+H, and an instrument that goes away while the dialog is open.
 #include "fileselectfixture.h"

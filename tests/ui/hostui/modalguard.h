@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A check that fails inside a dialog's modal run returns from the scheduled action without ending the
 // dialog. Declare this guard first in such an action: it ends a dialog that is still open when the

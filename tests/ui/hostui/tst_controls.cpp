@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file pane's list, the drive box, the grid with its check column and the no-focus button.
 #include "drivebox.h"
 #include "explorerctrl.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog base: data exchange both ways, the modal run and its ends, controls by identifier,
 // scripted prompts and texts by string identifier.
 #include "dialog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The copy progress window with a real worker thread: it shows the job's progress, Cancel reaches the
 // job, and the window closes when the job ends.
 #include "filecopydlg.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The module's rename and text editor dialogs, driven as the file manager and its user drive them.
 #include "edittextdialog.h"
 #include "modalguard.h"

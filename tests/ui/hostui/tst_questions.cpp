@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The overwrite question and the new-folder dialog, answered the way a user would.
 #include "fileinfo.h"
 #include "mkdirdlg.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What crosses threads or processes: sensor notifications posted to a window, the UI thread's pumping
 // wait, and the settings file shared with CPXRegistry.
 #include "pumpwait.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The method sequence editor: steps added, reordered and saved, checks that keep a broken sequence off
 // the disk, and the method chooser filling a step.
 #include "editabletable.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The method editor: an edit saved and read back, Save As through the chooser, validation that keeps
 // bad methods off the disk, the modes, and the question before unsaved changes are dropped.
 #include "demotree.h"

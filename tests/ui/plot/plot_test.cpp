@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plot canvas: tick steps, the per-column reduction, and the two views driven by real mouse and key
 // events, asserting the times, ranges, fitted axes and labels they report.
 #include "axisticks.h"

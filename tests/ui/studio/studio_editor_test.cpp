@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument editor with the loaded sensor type's address check: what it refuses and why, and
 // what the window keeps of the operator's entries.
 #include "studiofixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instruments that drop off the network by themselves: retried on the back-off, told once each way,
 // never retried after the operator chose off line.
 #include "studiofixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's ways into the method editors: the Method Editor tool's menu, and files handed on by
 // Data Review and Manage Files (a method opens in the editor, a data file's method on request).
 #include "studiofixture.h"

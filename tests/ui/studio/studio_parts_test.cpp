@@ -1,11 +1,17 @@
-// The studio's small parts on their own: its command line, the tools' key bindings and the saved list.
+// SPDX-License-Identifier: Apache-2.0
+// The studio's small parts on their own: its command line, the tools' key bindings, the saved list,
+// notifications in words and the log.
+#include "eventwords.h"
 #include "instrumentstore.h"
+#include "logpane.h"
 #include "registry.h"
 #include "studiooptions.h"
 #include "tempdir.h"
 #include "toolshortcut.h"
 
 #include <gtest/gtest.h>
+
+#include <QTreeWidget>
 
 TEST(StudioOptionsTest, ReadsPluginsAndRepeatedInstruments) {
     struct Case {
@@ -43,6 +49,15 @@ TEST(StudioOptionsTest, ReadsPluginsAndRepeatedInstruments) {
     }
 }
 
+TEST(StudioOptionsTest, DefaultPluginDirPrefersTheBuildFoldersPlugins) {
+    TempDir temp;
+    const QString bin = QString::fromStdString(temp.createDir("bin"));
+    const QString root = QString::fromStdString(temp.path());
+    EXPECT_EQ(DefaultPluginDir(bin), root + "/lib/vexa-studio/plugins");
+    temp.createDir("bin/plugins");
+    EXPECT_EQ(DefaultPluginDir(bin), bin + "/plugins");
+}
+
 TEST(ToolKeySequenceTest, MapsVirtualKeysAndModifiers) {
     struct Case {
         int key, modifier;
@@ -77,4 +92,52 @@ TEST(InstrumentStoreTest, SkipsEntriesWithoutAddressAndShrinks) {
     EXPECT_EQ(store.Load(), (QList<InstrumentConfig>{{"Only", "127.0.0.5", "VEXA"}}));
     EXPECT_FALSE(registry.GetString(L"Instruments/1", L"Address").has_value());
     EXPECT_FALSE(registry.GetString(L"Instruments/2", L"Name").has_value());
+}
+
+TEST(EventWordsTest, NamesNotificationsAndKeepsTheNumberAsDetail) {
+    struct Case {
+        quint32 code;
+        const char* text;
+        const char* words;
+        const char* detail;
+    };
+    const Case cases[] = {
+        {1048882, "method finished /Data/Run008.vxs", "method finished: /Data/Run008.vxs",
+         "event 1048882 (0x100132)"},
+        {1048882, "method stopped /Data/Run009.vxs", "method stopped: /Data/Run009.vxs",
+         "event 1048882 (0x100132)"},
+        {1048882, "method finished", "method finished", "event 1048882 (0x100132)"},
+        {1048882, "", "method finished", "event 1048882 (0x100132)"},
+        {1048881, "/Backup/x_backup.tgz", "backup ready: /Backup/x_backup.tgz", "event 1048881 (0x100131)"},
+        {1048881, "aborted", "backup aborted", "event 1048881 (0x100131)"},
+        {6, "", "link on line", "event 6"},
+        {2, "10060", "link off line (10060)", "event 2"},
+        {1048900, "door open", "notification: door open", "event 1048900 (0x100144)"},
+    };
+    for (const Case& c : cases) {
+        const EventWords words = DescribeSensorEvent(c.code, c.text);
+        EXPECT_EQ(words.text, c.words) << c.text;
+        EXPECT_EQ(words.detail, c.detail) << c.code;
+    }
+}
+
+TEST(LogPaneTest, KeepsDetailsApartSavesAndClears) {
+    TempDir temp;
+    LogPane log;
+    log.Append("VEXA-1 is on line.");
+    log.AppendWithDetail("VEXA-1: method finished: /Data/Run008.vxs", "event 1048882 (0x100132)");
+    ASSERT_EQ(log.LineCount(), 2);
+    EXPECT_EQ(log.Detail(0), "");
+    EXPECT_EQ(log.Detail(1), "event 1048882 (0x100132)");
+    EXPECT_TRUE(log.Lines()->topLevelItem(1)->toolTip(1).contains("1048882"));
+    const QString path = QString::fromStdString(temp.file("studio.log"));
+    QString error;
+    ASSERT_TRUE(log.SaveTo(path, &error)) << error.toStdString();
+    const QString saved = QString::fromStdString(ReadWholeFile(path.toStdString()));
+    EXPECT_TRUE(saved.contains("  VEXA-1: method finished: /Data/Run008.vxs  [event 1048882 (0x100132)]\n"));
+    EXPECT_EQ(saved.count('\n'), 2);
+    EXPECT_FALSE(log.SaveTo(QString::fromStdString(temp.file("no/such/folder/x.log")), &error));
+    EXPECT_TRUE(error.startsWith("error 2")) << error.toStdString();
+    log.Clear();
+    EXPECT_EQ(log.LineCount(), 0);
 }

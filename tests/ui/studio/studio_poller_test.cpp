@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio's poller: every sensor polls on a thread of its own, never twice at once, and holds its
 // sensor until the poll has ended.
 #include "sensorobject.h"

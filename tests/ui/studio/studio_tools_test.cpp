@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each of the sensor type's tools does in the studio.
 #include "studiofixture.h"
 
@@ -11,8 +12,10 @@
 #include "runreviewpage.h"
 #include "scriptedprompt.h"
 #include "sensormanager.h"
+#include "servicewindow.h"
 #include "simulator.h"
 #include "statuspanel.h"
+#include "statuswindow.h"
 #include "tempdir.h"
 #include "toollist.h"
 #include "vexadatafile.h"
@@ -20,6 +23,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
 #include <QTableView>
 #include <QTest>
 #include <QTreeWidget>
@@ -35,20 +39,6 @@ QStringList Messages(const ScriptedPrompt& prompt) {
     return texts;
 }
 } // namespace
-
-TEST_F(StudioTest, HostFeaturesOutsideTheStudioSaySo) {
-    StudioWindow& window = StartStudio(BuiltPluginDir());
-    for (const char* name : {"Service Module"}) {
-        SCOPED_TRACE(name);
-        ScriptedPrompt prompt;
-        window.RunTool(ToolRow(window, name));
-        const QStringList messages = Messages(prompt);
-        ASSERT_EQ(messages.size(), 1);
-        EXPECT_TRUE(messages[0].startsWith(QString(name) + " (")) << messages[0].toStdString();
-        EXPECT_TRUE(messages[0].contains("VEXA Studio does not provide it"));
-        EXPECT_TRUE(LogText().contains(messages[0]));
-    }
-}
 
 TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
     SimulatorProcess simulator(CopyDemoTree(m_temp.file("demo")));
@@ -71,7 +61,8 @@ TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
     };
     const Case cases[] = {
         {"Data Review", L"run1.vxs", "chosen file: @" + address + ":/Data/run1.vxs."},
-        {"Run Method", L"Default.mth", "the instrument runs /Method/Default.mth."},
+        // The run itself asks first (answered No here).
+        {"Run Method", L"Default.mth", "Default.mth was not run on " + address + "."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.tool);
@@ -108,16 +99,31 @@ TEST_F(StudioTest, DataReviewAndRunMethodAskForAFileThroughTheSensor) {
     EXPECT_TRUE(LogText().contains("no method chosen")) << LogText().toStdString();
 }
 
-TEST_F(StudioTest, StatusToolShowsTheStatusPanel) {
-    StudioWindow& window = StartStudio(BuiltPluginDir(), {QString::fromStdString(FreshLoopbackAddress())});
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    window.InstrumentTable()->setFocus();
+TEST_F(StudioTest, StatusAndServiceModuleOpenOneWindowPerInstrument) {
+    StudioWindow& window = StartStudio(BuiltPluginDir());
+    for (const char* tool : {"Status", "Service Module"}) {
+        ScriptedPrompt prompt;
+        window.RunTool(ToolRow(window, tool));
+        ASSERT_EQ(Messages(prompt).size(), 1) << tool;
+        EXPECT_TRUE(Messages(prompt)[0].contains("select one in the list first"));
+    }
+    window.SelectRow(
+        window.Sensors().Add({"Bench", QString::fromStdString(FreshLoopbackAddress()), "VEXA"}, true));
     ScriptedPrompt prompt;
-    window.RunTool(ToolRow(window, "Status"));
+    for (int twice = 0; twice < 2; ++twice) {
+        window.RunTool(ToolRow(window, "Status"));
+        window.RunTool(ToolRow(window, "Service Module"));
+    }
     EXPECT_TRUE(Messages(prompt).isEmpty());
-    EXPECT_TRUE(window.Status()->isAncestorOf(QApplication::focusWidget()));
-    EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
+    const auto status = window.findChildren<StatusWindow*>();
+    ASSERT_EQ(status.size(), 1);
+    EXPECT_EQ(window.findChildren<ServiceWindow*>().size(), 1);
+    EXPECT_TRUE(status[0]->Panel()->PlaceholderText().contains("off line"));
+    EXPECT_EQ(status[0]->ReadyLabel()->text(), "Ready: unknown");
+    // Removing the instrument closes its windows.
+    window.Sensors().Remove(0);
+    EXPECT_TRUE(WaitFor([&] { return window.findChildren<StatusWindow*>().isEmpty(); }, 2000));
+    EXPECT_TRUE(window.findChildren<ServiceWindow*>().isEmpty());
 }
 
 TEST_F(StudioTest, ManageFilesNeedsAnInstrumentAndOpensTheDialog) {
@@ -164,21 +170,6 @@ TEST_F(StudioTest, TuneNeedsAnInstrumentOnLine) {
     EXPECT_TRUE(Messages(prompt)[0].contains("Bench is off line")) << Messages(prompt)[0].toStdString();
 }
 
-TEST_F(StudioTest, TuneToolTunesTheInstrumentThenShowsItsReports) {
-    const std::string tree = CopyDemoTree(m_temp.file("demo"));
-    const std::string reportFile = tree + "/Tune/Reports/Default.rpt";
-    const auto reports = [&] { return QString::fromStdString(ReadWholeFile(reportFile)).count("\"time\""); };
-    const int before = reports();
-    SimulatorProcess simulator(tree);
-    StudioWindow& window = StartStudio(BuiltPluginDir(), {QString::fromStdString(simulator.address())});
-    ASSERT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Online) << LogText().toStdString();
-    window.SelectRow(0);
-    ScriptedPrompt prompt;
-    window.RunTool(ToolRow(window, "Tune"));
-    EXPECT_EQ(reports(), before + 1);
-    EXPECT_TRUE(LogText().contains("tuned; its report was added")) << LogText().toStdString();
-}
-
 TEST_F(StudioTest, FunctionKeysRunTheModulesPrograms) {
     StudioWindow& window = StartStudio(BuiltPluginDir());
     window.activateWindow();
@@ -187,12 +178,14 @@ TEST_F(StudioTest, FunctionKeysRunTheModulesPrograms) {
         Qt::KeyboardModifiers modifiers;
         const char* logged;
     };
-    for (const Case& c : {Case{Qt::NoModifier, "Ran the tool NIST (category 6031, index 1)."},
-                          Case{Qt::ShiftModifier, "Ran the tool AMDIS (category 6031, index 2)."}}) {
+    // Not configured here: the module says so, and the log says the program did not run.
+    for (const Case& c :
+         {Case{Qt::NoModifier, "NIST did not run: "}, Case{Qt::ShiftModifier, "AMDIS did not run: "}}) {
         SCOPED_TRACE(c.logged);
-        ScriptedPrompt prompt; // the programs are not configured here; the module says so through it
+        ScriptedPrompt prompt;
         QTest::keyClick(window.InstrumentTable(), Qt::Key_F8, c.modifiers);
         EXPECT_TRUE(LogText().contains(c.logged)) << LogText().toStdString();
     }
-    EXPECT_EQ(LogText().count("Ran the tool"), 2);
+    EXPECT_EQ(LogText().count("did not run"), 2);
+    EXPECT_FALSE(LogText().contains(" ran.")) << LogText().toStdString();
 }

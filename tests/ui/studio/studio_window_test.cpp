@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studio window with the built module: the sensor type's tools, a simulator on line with its
 // status sections, an instrument that cannot be reached, and a plug-in folder without modules.
 #include "studiofixture.h"
@@ -73,7 +74,8 @@ TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
     EXPECT_TRUE(LogText().contains(address + " is on line.")) << LogText().toStdString();
     EXPECT_TRUE(
         window.Sensors().Validate({"Other", address, "VEXA"}).text.contains("already has the address"));
-    EXPECT_TRUE(WaitFor([&] { return LogText().contains("sensor event 6 [on line]"); }))
+    // Notifications are told in words, their numbers kept as the detail.
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains(": link on line  [event 6]"); }))
         << LogText().toStdString();
 
     // The status is polled by the timer; wait until a reading has come in.
@@ -107,7 +109,7 @@ TEST_F(StudioTest, SimulatorGoesOnLineAndShowsItsStatusSections) {
     EXPECT_EQ(Instrument(0).GetState(), ManagedInstrument::State::Offline);
     EXPECT_EQ(StateCell(window, 0), "Off line");
     EXPECT_TRUE(window.Status()->PlaceholderText().contains("off line"));
-    EXPECT_TRUE(WaitFor([&] { return LogText().contains("sensor event 2 [off line]"); }));
+    EXPECT_TRUE(WaitFor([&] { return LogText().contains(": link off line  [event 2]"); }));
     EXPECT_FALSE(LogText().contains("stopped answering")) << LogText().toStdString();
 
     // The instrument goes away while on line: the drop is noticed, reported with its error and retried.

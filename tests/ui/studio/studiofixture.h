@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A studio window over settings of its own, started with the given plug-in folder and run instruments.
 #include "registry.h"

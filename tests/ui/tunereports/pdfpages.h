@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Reading printed PDF files back with poppler's tools: the page count, the text of a page, and where a
 // word was drawn (in points from the page's top left corner).

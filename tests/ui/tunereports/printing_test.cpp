@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Printing tune reports: the margins, the page arithmetic, and real pages printed to PDF and read back.
 #include "hostresource.h"
 #include "margin.h"

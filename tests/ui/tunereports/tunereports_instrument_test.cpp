@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tune reports of a tune file on a simulated instrument: tuned through the instrument's command
 // channel, read, pruned and saved over the link, and a save that fails when the instrument is gone.
 #include "resource.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tune reports dialog over a report file on the workstation: listing, showing, removing, pruning,
 // saving and printing, with every question answered by a ScriptedPrompt.
 #include "fakechannel.h"

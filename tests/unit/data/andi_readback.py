@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Reads an ANDI-MS file with scipy's own netCDF reader and compares it with the expected run
 (a JSON file: times in s, per-scan masses and intensities, sample, time stamp). Exit 0 when every
 value is equal, 1 with the differences otherwise."""

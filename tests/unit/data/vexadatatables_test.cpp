@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The small tables of the data library: time spans, sample input devices per model, the editor mode.
 #include "registry.h"
 #include "timespan.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exports: MSP and CSV texts written out by hand, and the ANDI-MS file read back by an independent
 // netCDF reader (scipy) value for value.
 #include "vexaexport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // File references: saving through a temporary name, keys kept for newer readers, and the parameter
 // block of data files (the demo tree's files included).
 #include "vexadatafile.h"

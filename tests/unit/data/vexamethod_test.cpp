@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Methods: the run-time rule, content equality, what makes a file invalid, and the editor's checks.
 #include "vexafileref.h"
 #include "vexamethod.h"

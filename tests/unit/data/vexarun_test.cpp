@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data files read and written, damaged files refused with their reasons, and the run model's views
 // against values worked out by hand on a three-scan run.
 #include "compression.h"

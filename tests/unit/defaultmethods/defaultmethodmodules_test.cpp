@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default-method catalogue against the modules that ship (built beside the programs) and against
 // damaged copies. Validity and equality of method files are stand-ins here (a file is valid when it is
 // a JSON object; equal when its bytes are), so these cases test the catalogue's own rules.
@@ -13,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kBinDir = VEXA_BIN_DIR_FOR_TESTS;
+const std::string kPluginDir = VEXA_PLUGIN_DIR_FOR_TESTS;
 
 std::wstring W(const std::string& text) {
     return std::wstring(text.begin(), text.end());
@@ -38,7 +39,7 @@ protected:
         modules = m_dir.createDir("bin");
         methods = m_dir.createDir("DefaultMethods");
         for (const char* name : {"DefaultMethods.ddll", "RJWMethods.ddll", "TarnMethods.ddll"})
-            fs::copy_file(kBinDir + "/" + name, modules + "/" + name);
+            fs::copy_file(kPluginDir + "/" + name, modules + "/" + name);
     }
     DefaultMethodModules Catalogue() const {
         return DefaultMethodModules(W(modules), W(methods), LooksValid, SameBytes);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Building and running copy jobs: the data-file rule, the overwrite answers, whole trees, cancel and
 // failures. Workstation folders on both sides, and a scripted instrument as the source for the rule
 // that only applies to files taken from the instrument.

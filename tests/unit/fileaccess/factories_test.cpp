@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which back end the two factories give for a name: the link first, FTP only when the link does not
 // reach the instrument, and no folder back end without the link.
 #include "onlinesensor.h"

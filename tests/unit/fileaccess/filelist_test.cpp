@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The folder list: its sort order, lookups, and the copy of one file through a temporary name, on
 // workstation folders.
 #include "recordingprogress.h"

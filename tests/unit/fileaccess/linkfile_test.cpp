@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The link file back end against a scripted instrument: exact request and data frames, the mode and
 // path rules, and how reads treat replies, foreign frames, compression and oversized frames.
 #include "onlinesensor.h"

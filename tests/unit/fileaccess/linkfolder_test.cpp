@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The link folder back end against a scripted instrument: listings and the ".." rule, status
 // commands, running a command, describing a file, ids and time conversion.
 #include "onlinesensor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sensor on line to a scripted instrument; the last reference goes with the fixture.
 #include "scriptedinstrument.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The backup's argument and the reading of sensor notifications, without a window.
 #include "sensorevent.h"
 #include "vexabackup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file selection dialog's rules: where it opens, what it lists, what the name edit shows.
 #include "fileselectrules.h"
 

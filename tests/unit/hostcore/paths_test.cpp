@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "moduledir.h"
 #include "paths.h"
 #include "registry.h"
 
@@ -6,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 TEST(Paths, RootDirFromEnvironmentSettingOrDefault) {
@@ -51,4 +54,15 @@ TEST(Paths, FullPathNormalises) {
     const std::wstring exeDir = PXGetExeDir();
     EXPECT_TRUE(IsDirectory(exeDir));
     EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(exeDir) / "hostcore_settings_test"));
+}
+
+TEST(Paths, ModuleDirIsTheModulesOwnFolder) {
+    const std::wstring exeDir = PXGetExeDir();
+    static const char inProgram = 0;
+    EXPECT_EQ(PXGetModuleDir(&inProgram), exeDir);
+#ifndef _WIN32
+    const std::wstring libcDir = PXGetModuleDir(reinterpret_cast<const void*>(&std::strlen));
+    EXPECT_NE(libcDir, exeDir);
+    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(libcDir) / "libc.so.6"));
+#endif
 }

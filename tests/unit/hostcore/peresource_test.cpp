@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The resource reader against real modules built by the MinGW binutils from fixtures/resources.rc, in
 // both PE kinds, and against damaged copies of them. Under AddressSanitizer a read outside the buffer
 // fails the damaged-file cases even when the reader's answer looks right.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dates and times in the suite's fixed formats, for any time and local offset.
 #include "timeformat.h"
 

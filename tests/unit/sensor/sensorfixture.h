@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A VEXASensorObject for one host, released (last reference) when the handle goes.
 #include "recordingobserver.h"

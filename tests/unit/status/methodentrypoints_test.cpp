@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sensor type's file entry points: which editor opens for which file, the access level, unreadable
 // methods, and the method that a data file names.
 #include "demotree.h"

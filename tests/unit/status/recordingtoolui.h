@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Test doubles for the plug-in description's tests: an environment variable set for one scope, and a
 // tool user interface that records what the sensor type asks of the user and answers from a script.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the sensor object answers from its instrument model: readiness, the method list and the
 // status panel.
 #include "instrumentmethodmru.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sensor that can be put on line without a network, and the scripted command channel for it.
 #include "fakechannel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The status panel's texts, line by line, over a set snapshot of the instrument model.
 #include "pxformat.h"
 #include "statusreport.h"

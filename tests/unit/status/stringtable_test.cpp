@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The module's string table: one text per identifier, registered under this module, quirks intact.
 #include "pxresource.h"
 #include "resource.h"

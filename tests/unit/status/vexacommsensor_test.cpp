@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command channel against a scripted peer: request bytes, answer frames, parameter texts, faults.
 #include "loopback.h"
 #include "scriptedinstrument.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The instrument model read from the status snapshot, and its commands through channel 0.
 #include "statusfakes.h"
 #include "vexadevice.h"

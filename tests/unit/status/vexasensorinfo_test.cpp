@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in description: identity, file types, tools, edit rights, sensor objects and the tools of
 // category 6031 that it runs itself.
 #include "externalprograms.h"
@@ -226,6 +227,26 @@ TEST_F(VexaSensorInfoTest, SafetyDatabaseAsksForAMissingPageAndRemembersIt) {
     info.RunTool(6031, 3);
     EXPECT_EQ(ui.asked.size(), 3u);
     EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(VexaSensorInfoTest, ProgramsTakeTheirArgumentPatterns) {
+    RecordingToolUi ui;
+    Settings().SetString(L"Programs", L"Amdis", RecordingProgram("amdis"));
+    Settings().SetString(L"Programs", L"AmdisArguments", L"-batch %2 --in=%1");
+    EXPECT_TRUE(AmdisSwitch(L"a.vxs", L""));
+    EXPECT_EQ(WaitForLog("amdis"), "-batch --in=a.vxs\n");
+
+    // One line per pattern: the words it gives for the inserts {"x y", ""}.
+    const std::pair<const wchar_t*, std::vector<std::wstring>> cases[] = {
+        {L"", {}},
+        {L"%1 %2", {L"x y"}},
+        {L"  -q\t%1  ", {L"-q", L"x y"}},
+        {L"%2", {}},
+        {L"%9 100% %%1", {L"100%", L"%x y"}},
+        {L"pre%1post", {L"prex ypost"}},
+    };
+    for (const auto& [pattern, words] : cases)
+        EXPECT_EQ(ExpandArguments(pattern, {L"x y", L""}), words) << ToUtf8(pattern);
 }
 
 // A page that exists but that no program can open is no missing page: one message names the setting,

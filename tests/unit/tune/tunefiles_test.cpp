@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tune and tune report files: what they read, what they refuse, and what survives a round trip.
 #include "vexatune.h"
 #include "vexatunereport.h"

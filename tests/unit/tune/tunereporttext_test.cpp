@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The report text of one tune: header, settings and the mass table judged against the limits.
 #include "generatetunereport.h"
 #include "timeformat.h"
