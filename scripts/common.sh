@@ -3,7 +3,7 @@
 # shellcheck shell=bash
 
 VEXA_PACKAGES=(
-    build-essential cmake ninja-build pkg-config
+    build-essential cmake ninja-build pkg-config ccache
     qt6-base-dev libgl-dev
     zlib1g-dev libcurl4-openssl-dev libarchive-dev nlohmann-json3-dev libcli11-dev
     libgtest-dev libgmock-dev
@@ -45,6 +45,12 @@ vexa_build() {
     cmake -G Ninja -S . -B "$build_dir" -DCMAKE_BUILD_TYPE="${VEXA_BUILD_TYPE:-RelWithDebInfo}" "$@" >/dev/null
     cmake --build "$build_dir" -j"$(nproc)"
 }
+
+# Paths in the cache are taken relative to the checkout, so a fresh clone on the same machine (CI's)
+# finds what an earlier build of the same sources compiled.
+if command -v ccache >/dev/null; then
+    export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$PWD} CCACHE_NOHASHDIR=${CCACHE_NOHASHDIR:-1}
+fi
 
 # Compiles through ccache when it is installed: the sanitizer and fuzz trees are extra builds of the
 # same sources, and a CI machine keeps its cache between runs.
