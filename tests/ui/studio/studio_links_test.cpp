@@ -47,6 +47,8 @@ TEST_F(StudioTest, OutageIsToldOnceRetriedAndRecovered) {
 
     ASSERT_TRUE(WaitFor([&] { return Instrument(0).GetState() == ManagedInstrument::State::Online; }, 30000))
         << LogText().toStdString();
+    // The sensor is on line before its on-line notification has been dispatched to the window.
+    EXPECT_TRUE(WaitFor([&] { return returned.count() > 0; })) << LogText().toStdString();
     EXPECT_TRUE(WaitFor([&] { return !window.Status()->PlaceholderText().contains("away"); }));
     EXPECT_EQ(lost.count(), 1) << LogText().toStdString();
     EXPECT_EQ(returned.count(), 1) << LogText().toStdString();
