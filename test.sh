@@ -41,7 +41,8 @@ case ${1:-} in
     # The simulator and the CLI's integration tests run natively, from the Linux build.
     # shellcheck disable=SC2046
     cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE="${VEXA_BUILD_TYPE:-RelWithDebInfo}" $(vexa_cache_launcher) >/dev/null
-    cmake --build build -j"$(nproc)" --target vexa-sim cli_link_commands_test fileaccess_cli_test
+    cmake --build build -j"$(nproc)" --target vexa-sim cli_link_commands_test cli_backup_test \
+        fileaccess_cli_test fileaccess_cli_ftp_test status_integration
     vexa_build_windows build-windows build
     ctest --test-dir build-windows --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
     ;;

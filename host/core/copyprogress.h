@@ -27,4 +27,9 @@ public:
         (void)bytes;
         (void)files;
     }
+    // The current file will be copied again from its start after its link to the instrument failed:
+    // the bytes it moved no longer count, and `note` says what happens meanwhile ("link lost, waiting
+    // for the instrument (attempt 2 of 3)") until the file starts again with SetCurrentFile. Optional:
+    // a progress object that shows no notes ignores it.
+    virtual void RetryFile(const std::wstring& note) { (void)note; }
 };

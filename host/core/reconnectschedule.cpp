@@ -13,6 +13,10 @@ int64_t ReconnectSchedule::BaseDelayMs(int attempt) {
     return std::min(kFirstDelayMs << doublings, kLongestDelayMs);
 }
 
+int64_t ReconnectSchedule::JitterMs(int attempt) {
+    return std::max(BaseDelayMs(attempt) * kJitterPercent / 100, kLeastJitterMs);
+}
+
 void ReconnectSchedule::Start(int64_t nowMs) {
     m_active = true;
     m_attempt = 1;
@@ -43,7 +47,7 @@ int64_t ReconnectSchedule::SecondsLeft(int64_t nowMs) const {
 }
 
 void ReconnectSchedule::Schedule(int64_t nowMs) {
-    const int64_t base = BaseDelayMs(m_attempt);
-    std::uniform_int_distribution<int64_t> jitter(-base * kJitterPercent / 100, base * kJitterPercent / 100);
-    m_dueAtMs = nowMs + base + jitter(m_random);
+    const int64_t spread = JitterMs(m_attempt);
+    std::uniform_int_distribution<int64_t> jitter(-spread, spread);
+    m_dueAtMs = nowMs + BaseDelayMs(m_attempt) + jitter(m_random);
 }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 // When to try again an instrument that went away by itself: 1, 2, 4, 8 and 16 s after the drop and
-// after each failed attempt, then every 30 s, each wait stretched or shortened by up to 20 % at random
-// so that a fleet that dropped together does not come back in step. Times are the caller's clock in
-// milliseconds, so the schedule runs as well on a fake clock as on a real one. Not thread-safe: one
-// owner drives it.
+// after each failed attempt, then every 30 s, each wait moved at random by up to 20 % and by at least
+// 600 ms either way, so that a fleet that dropped together does not come back in step (20 % of the
+// first step alone would keep fifty instruments within 400 ms of each other). Times are the caller's
+// clock in milliseconds, so the schedule runs as well on a fake clock as on a real one. Not
+// thread-safe: one owner drives it.
 #include <cstdint>
 #include <random>
 
@@ -13,6 +14,7 @@ public:
     static constexpr int64_t kFirstDelayMs = 1000;
     static constexpr int64_t kLongestDelayMs = 30000;
     static constexpr int kJitterPercent = 20;
+    static constexpr int64_t kLeastJitterMs = 600;
 
     // `seed` feeds the jitter; schedules of one fleet need different seeds.
     explicit ReconnectSchedule(uint32_t seed);
@@ -36,6 +38,8 @@ public:
 
     // The wait before attempt `attempt` (from 1) without jitter.
     static int64_t BaseDelayMs(int attempt);
+    // How far that wait may be moved either way.
+    static int64_t JitterMs(int attempt);
 
 private:
     void Schedule(int64_t nowMs);

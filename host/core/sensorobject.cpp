@@ -44,7 +44,8 @@ std::mutex& DataMutex() {
 }
 
 // Going on line runs one attempt at a time per sensor: the studio's reconnection and a copy that waits
-// for its instrument may both try. The gate lives as long as its sensor.
+// for its instrument may both try. The gate lives as long as its sensor, in a table beside it rather
+// than in the class: the class's layout is part of what a module was built against.
 struct ConnectGate {
     std::mutex attempt;
     std::atomic<std::thread::id> owner{};

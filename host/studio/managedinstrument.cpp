@@ -144,14 +144,14 @@ QString ManagedInstrument::Title() const {
 }
 
 void ManagedInstrument::customEvent(QEvent* event) {
-    if (event->type() != CSensorNotifyEvent::kDefaultType)
+    const ISensorEvent* notification = CSensorNotifyEvent::From(event);
+    if (!notification)
         return QObject::customEvent(event);
-    const ISensorEvent& notification = static_cast<CSensorNotifyEvent*>(event)->SensorEvent();
     m_notifications.append(
-        {QDateTime::currentDateTime(), notification.code, QString::fromStdWString(notification.text)});
+        {QDateTime::currentDateTime(), notification->code, QString::fromStdWString(notification->text)});
     if (m_notifications.size() > kMaxKept)
         m_notifications.removeFirst();
-    emit sensorEvent(notification.code, QString::fromStdWString(notification.text));
+    emit sensorEvent(notification->code, QString::fromStdWString(notification->text));
 }
 
 void ManagedInstrument::NoteAlarmChanges(const std::vector<AlarmChange>& changes) {

@@ -21,11 +21,12 @@ bool SensorConnector::Start(ISensorObject* sensor) {
         return false;
     m_running.emplace(sensor, SensorRef<>::Share(sensor));
     // `this` outlives the task: Finish waits for the pool before the connector goes.
-    m_pool.start([this, sensor] {
+    PoolHandOver::Start(m_pool, [this, sensor] {
         const bool online = sensor->GoOnline();
         const int error = online ? 0 : sensor->GetLastLinkError();
-        QMetaObject::invokeMethod(
-            this, [this, sensor, online, error] { Done(sensor, online, error); }, Qt::QueuedConnection);
+        // Queued by name: the call is then Qt's own event, and the outcome travels under our lock.
+        if (m_finished.Push({sensor, online, error}))
+            QMetaObject::invokeMethod(this, "TakeFinished", Qt::QueuedConnection);
     });
     return true;
 }
@@ -35,8 +36,13 @@ bool SensorConnector::IsRunning(const ISensorObject* sensor) const {
 }
 
 void SensorConnector::Finish() {
-    m_pool.waitForDone();
+    PoolHandOver::WaitForDone(m_pool);
     m_running.clear();
+}
+
+void SensorConnector::TakeFinished() {
+    for (const Attempt& attempt : m_finished.TakeAll())
+        Done(attempt.sensor, attempt.online, attempt.error);
 }
 
 void SensorConnector::Done(ISensorObject* sensor, bool online, int error) {

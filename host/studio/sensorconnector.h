@@ -6,6 +6,7 @@
 // Thread rule: Start, IsRunning and Finish are called on the GUI thread; GoOnline runs on a pool
 // thread; `finished` is emitted on the GUI thread. A sensor holds an extra reference while its attempt
 // runs, so it may be removed from the studio meanwhile.
+#include "poolhandover.h"
 #include "sensorref.h"
 
 #include <QObject>
@@ -30,8 +31,16 @@ signals:
     void finished(ISensorObject* sensor, bool online, int error);
 
 private:
+    struct Attempt {
+        ISensorObject* sensor;
+        bool online;
+        int error;
+    };
+
+    Q_INVOKABLE void TakeFinished();
     void Done(ISensorObject* sensor, bool online, int error);
 
     QThreadPool m_pool;
     std::map<ISensorObject*, SensorRef<>> m_running;
+    ResultQueue<Attempt> m_finished;
 };

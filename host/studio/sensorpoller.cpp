@@ -21,10 +21,11 @@ bool SensorPoller::Start(ISensorObject* sensor, qint64 now) {
         return false;
     m_running.emplace(sensor, SensorRef<>::Share(sensor));
     // `this` outlives the task: Finish waits for the pool before the poller goes.
-    m_pool.start([this, sensor, now] {
+    PoolHandOver::Start(m_pool, [this, sensor, now] {
         sensor->OnTimer(now);
-        QMetaObject::invokeMethod(
-            this, [this, sensor] { Done(sensor); }, Qt::QueuedConnection);
+        // Queued by name: the call is then Qt's own event, and the sensor travels under our lock.
+        if (m_finished.Push(sensor))
+            QMetaObject::invokeMethod(this, "TakeFinished", Qt::QueuedConnection);
     });
     return true;
 }
@@ -34,9 +35,14 @@ bool SensorPoller::IsPolling(const ISensorObject* sensor) const {
 }
 
 void SensorPoller::Finish() {
-    m_pool.waitForDone();
+    PoolHandOver::WaitForDone(m_pool);
     // The queued endings of these polls are dropped with the poller or find nothing to release.
     m_running.clear();
+}
+
+void SensorPoller::TakeFinished() {
+    for (ISensorObject* sensor : m_finished.TakeAll())
+        Done(sensor);
 }
 
 void SensorPoller::Done(ISensorObject* sensor) {

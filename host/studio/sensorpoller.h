@@ -6,6 +6,7 @@
 // Thread rule: Start, IsPolling and Finish are called on the GUI thread. OnTimer runs on a pool thread;
 // the sensor's notifications still reach the window as posted events. A sensor holds an extra
 // reference while it is polled, released on the GUI thread when its poll has ended.
+#include "poolhandover.h"
 #include "sensorref.h"
 
 #include <QObject>
@@ -34,9 +35,11 @@ signals:
     void polled();
 
 private:
+    Q_INVOKABLE void TakeFinished();
     void Done(ISensorObject* sensor);
 
     QThreadPool m_pool;
     std::map<ISensorObject*, SensorRef<>> m_running;
+    ResultQueue<ISensorObject*> m_finished;
     bool m_signalQueued = false;
 };

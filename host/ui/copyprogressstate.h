@@ -4,14 +4,13 @@
 // it. Every operation is thread-safe: the worker writes through ICopyProgress, the UI thread reads a
 // snapshot and sets the cancel flag.
 #include "copyprogress.h"
-#include "copyretryprogress.h"
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <string>
 
-class CCopyProgressState : public ICopyProgress, public ICopyRetryProgress {
+class CCopyProgressState : public ICopyProgress {
 public:
     struct Snapshot {
         std::wstring currentFile;

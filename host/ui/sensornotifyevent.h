@@ -5,6 +5,8 @@
 
 #include <QEvent>
 
+class QObject;
+
 class CSensorNotifyEvent : public QEvent {
 public:
     // The type windows receive unless they ask for another: QEvent::User + 1.
@@ -12,6 +14,12 @@ public:
 
     CSensorNotifyEvent(int type, ISensorEvent event)
         : QEvent(static_cast<QEvent::Type>(type)), m_event(std::move(event)) {}
+
+    // Posts `event` to `target`'s thread; any thread.
+    static void Post(QObject* target, int type, const ISensorEvent& event);
+    // In the receiver's event handler, before it looks at the event: the notification when `event` is
+    // one of `type`, else null.
+    static const ISensorEvent* From(QEvent* event, int type = kDefaultType);
 
     const ISensorEvent& SensorEvent() const { return m_event; }
 

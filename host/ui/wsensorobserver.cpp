@@ -3,8 +3,6 @@
 
 #include "sensornotifyevent.h"
 
-#include <QCoreApplication>
-
 WSensorObserver::~WSensorObserver() {
     // Stop receiving before the target pointer goes.
     SetSensor(nullptr);
@@ -26,5 +24,5 @@ QObject* WSensorObserver::GetWnd() const {
 void WSensorObserver::OnSensorEvent(const ISensorEvent& event) {
     std::lock_guard lock(m_mutex);
     if (m_target)
-        QCoreApplication::postEvent(m_target.data(), new CSensorNotifyEvent(m_eventType, event));
+        CSensorNotifyEvent::Post(m_target.data(), m_eventType, event);
 }

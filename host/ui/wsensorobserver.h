@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sensor observer for a window: each notification is posted to the window's thread as a
-// CSensorNotifyEvent, whatever thread raised it. The window handles it in its event() or
-// customEvent(). Detach before the window goes (SetWnd(nullptr) or destroy the observer first);
+// CSensorNotifyEvent, whatever thread raised it. The window takes it in its customEvent() through
+// CSensorNotifyEvent::From. Detach before the window goes (SetWnd(nullptr) or destroy the observer first);
 // events already posted to a destroyed window are dropped by Qt.
 #include "sensorobserver.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "loopback.h"
 
-#include <atomic>
+#include "peersocket.h"
 
-#include <unistd.h>
+#include <atomic>
 
 namespace {
 std::atomic<unsigned> g_counter{0};
@@ -12,7 +12,7 @@ std::atomic<unsigned> g_counter{0};
 // 127.<a>.<b>.<c>: b and a come from the process id so that test programs running side by side pick
 // different addresses; c (1..254) and the carry into a from a process-wide counter.
 std::string FreshLoopbackAddress() {
-    const unsigned pid = static_cast<unsigned>(getpid());
+    const unsigned pid = PeerSocket::ProcessId();
     const unsigned n = g_counter.fetch_add(1);
     const unsigned a = ((pid >> 8) + n / 254) & 0xFF;
     const unsigned b = pid & 0xFF;

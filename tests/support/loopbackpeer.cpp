@@ -2,32 +2,15 @@
 #include "loopbackpeer.h"
 
 #include "loopback.h"
+#include "peersocket.h"
 
-#include <arpa/inet.h>
-#include <cerrno>
+#include <algorithm>
 #include <chrono>
-#include <cstring>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 LoopbackPeer::LoopbackPeer(Handler handler, uint16_t port, const std::string& address, int backlog)
-    : m_handler(std::move(handler)), m_address(address.empty() ? FreshLoopbackAddress() : address) {
-    m_listen = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    int one = 1;
-    setsockopt(m_listen, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-    sockaddr_in sa{};
-    sa.sin_family = AF_INET;
-    sa.sin_port = htons(port);
-    inet_pton(AF_INET, m_address.c_str(), &sa.sin_addr);
-    if (::bind(m_listen, reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0 ||
-        ::listen(m_listen, backlog) != 0) {
-        ::close(m_listen);
-        m_listen = -1;
-        return;
-    }
-    if (m_handler)
+    : m_handler(std::move(handler)), m_address(address.empty() ? FreshLoopbackAddress() : address),
+      m_listen(PeerSocket::Listen(m_address, port, backlog)) {
+    if (m_listen >= 0 && m_handler)
         m_acceptThread = std::thread([this] { AcceptLoop(); });
 }
 
@@ -39,7 +22,7 @@ LoopbackPeer::~LoopbackPeer() {
         if (t.joinable())
             t.join();
     if (m_listen >= 0)
-        ::close(m_listen);
+        PeerSocket::Close(m_listen);
 }
 
 std::wstring LoopbackPeer::host() const {
@@ -48,16 +31,13 @@ std::wstring LoopbackPeer::host() const {
 
 void LoopbackPeer::AcceptLoop() {
     while (!m_stop) {
-        pollfd p{m_listen, POLLIN, 0};
-        if (poll(&p, 1, 20) <= 0)
-            continue;
-        int s = ::accept4(m_listen, nullptr, nullptr, SOCK_CLOEXEC);
+        const int s = PeerSocket::Accept(m_listen, 20);
         if (s < 0)
             continue;
         ++m_connections;
         m_handlerThreads.emplace_back([this, s] {
             m_handler(s);
-            ::close(s);
+            PeerSocket::Close(s);
         });
     }
 }
@@ -71,10 +51,9 @@ bool LoopbackPeer::ReadExactly(int socket, void* buffer, size_t count, int timeo
                 .count());
         if (left <= 0)
             return false;
-        pollfd p{socket, POLLIN, 0};
-        if (poll(&p, 1, std::min(left, 50)) <= 0)
+        if (!PeerSocket::WaitReadable(socket, std::min(left, 50)))
             continue;
-        ssize_t n = ::recv(socket, static_cast<char*>(buffer) + got, count - got, 0);
+        const long n = PeerSocket::Receive(socket, static_cast<char*>(buffer) + got, count - got);
         if (n <= 0)
             return false;
         got += size_t(n);
@@ -82,29 +61,30 @@ bool LoopbackPeer::ReadExactly(int socket, void* buffer, size_t count, int timeo
     return true;
 }
 
+bool LoopbackPeer::WaitReadable(int socket, int timeoutMs) {
+    return PeerSocket::WaitReadable(socket, timeoutMs);
+}
+
+void LoopbackPeer::ShutdownWrite(int socket) {
+    PeerSocket::ShutdownWrite(socket);
+}
+
+void LoopbackPeer::ShutdownBoth(int socket) {
+    PeerSocket::ShutdownBoth(socket);
+}
+
 bool LoopbackPeer::WriteAll(int socket, const void* buffer, size_t count) {
-    size_t sent = 0;
-    while (sent < count) {
-        ssize_t n = ::send(socket, static_cast<const char*>(buffer) + sent, count - sent, MSG_NOSIGNAL);
-        if (n <= 0) {
-            if (n < 0 && (errno == EAGAIN || errno == EINTR))
-                continue;
-            return false;
-        }
-        sent += size_t(n);
-    }
-    return true;
+    return PeerSocket::SendAll(socket, buffer, count);
 }
 
 std::vector<uint8_t> LoopbackPeer::ReadUntilClosed(int socket, int timeoutMs) {
     std::vector<uint8_t> data;
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     while (std::chrono::steady_clock::now() < deadline) {
-        pollfd p{socket, POLLIN, 0};
-        if (poll(&p, 1, 20) <= 0)
+        if (!PeerSocket::WaitReadable(socket, 20))
             continue;
         uint8_t buffer[4096];
-        ssize_t n = ::recv(socket, buffer, sizeof buffer, 0);
+        const long n = PeerSocket::Receive(socket, buffer, sizeof buffer);
         if (n <= 0)
             break;
         data.insert(data.end(), buffer, buffer + n);

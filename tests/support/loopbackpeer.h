@@ -31,15 +31,20 @@ public:
     // Helpers for handlers. Each returns false when the peer closed or the test is stopping.
     static bool ReadExactly(int socket, void* buffer, size_t count, int timeoutMs = 5000);
     static bool WriteAll(int socket, const void* buffer, size_t count);
+    // True when something (or the end of the stream) can be read within `timeoutMs`.
+    static bool WaitReadable(int socket, int timeoutMs);
     // Reads whatever arrives until the other side closes or `timeoutMs` passes.
     static std::vector<uint8_t> ReadUntilClosed(int socket, int timeoutMs);
+    // Ends the peer's sending (the module reads the end of the stream) or both directions.
+    static void ShutdownWrite(int socket);
+    static void ShutdownBoth(int socket);
 
 private:
     void AcceptLoop();
 
     Handler m_handler;
     std::string m_address;
-    int m_listen = -1;
+    int m_listen;
     std::atomic<bool> m_stop{false};
     std::atomic<int> m_connections{0};
     std::thread m_acceptThread;

@@ -5,8 +5,6 @@
 #include <cstring>
 #include <thread>
 
-#include <poll.h>
-
 namespace {
 
 uint32_t LE32(const uint8_t* p) {
@@ -157,8 +155,7 @@ void ScriptedInstrument::Serve(int socket) {
     if (!LoopbackPeer::ReadExactly(socket, hello, sizeof hello))
         return;
     while (!m_peer.stopping()) {
-        pollfd p{socket, POLLIN, 0};
-        if (poll(&p, 1, 50) <= 0)
+        if (!LoopbackPeer::WaitReadable(socket, 50))
             continue;
         PeerFrame frame;
         frame.header.resize(32);

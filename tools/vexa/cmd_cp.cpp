@@ -44,16 +44,13 @@ struct Lane {
 };
 
 // A lane's progress goes to the one terminal line; the totals and the end belong to the whole copy.
-class LaneProgress : public ICopyProgress, public ICopyRetryProgress {
+class LaneProgress : public ICopyProgress {
 public:
     explicit LaneProgress(ICopyProgress& shared) : m_shared(shared) {}
     void SetCurrentFile(const std::wstring& name) override { m_shared.SetCurrentFile(name); }
     void SetFileSize(int64_t bytes) override { m_shared.SetFileSize(bytes); }
     void AddBytes(int64_t bytes) override { m_shared.AddBytes(bytes); }
-    void RetryFile(const std::wstring& note) override {
-        if (auto* retry = dynamic_cast<ICopyRetryProgress*>(&m_shared))
-            retry->RetryFile(note);
-    }
+    void RetryFile(const std::wstring& note) override { m_shared.RetryFile(note); }
     bool IsCancelled() const override { return m_shared.IsCancelled(); }
     void SetDone() override {}
     void SetTotal(int64_t, int) override {}

@@ -4,14 +4,13 @@
 // is a terminal and the run is not quiet. Cancelled by Ctrl+C (see InterruptGuard). Thread-safe.
 #include "cli.h"
 #include "copyprogress.h"
-#include "copyretryprogress.h"
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <string>
 
-class TerminalProgress : public ICopyProgress, public ICopyRetryProgress {
+class TerminalProgress : public ICopyProgress {
 public:
     explicit TerminalProgress(const CliContext& ctx);
     ~TerminalProgress() override;

@@ -8,7 +8,6 @@
 #include "fileinfo.h"
 #include "fileselectrules.h"
 #include "filetext.h"
-#include "linkresource.h"
 #include "nofocusbutton.h"
 #include "paths.h"
 #include "remotename.h"
@@ -371,8 +370,8 @@ bool CVexaFileSelectDlg::ShowAllEntries() {
 // ---- the instrument dropping and coming back ----
 
 void CVexaFileSelectDlg::customEvent(QEvent* event) {
-    if (event->type() == static_cast<QEvent::Type>(CSensorNotifyEvent::kDefaultType)) {
-        const uint32_t code = static_cast<CSensorNotifyEvent*>(event)->SensorEvent().code;
+    if (const ISensorEvent* notification = CSensorNotifyEvent::From(event)) {
+        const uint32_t code = notification->code;
         if (code == kSensorEventOffline || code == kSensorEventOnline)
             OnInstrumentState();
         return;

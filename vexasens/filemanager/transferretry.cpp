@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transferretry.h"
 
-#include "copyretryprogress.h"
-
-#include "linkresource.h"
 #include "pxformat.h"
 #include "pxresource.h"
 #include "registry.h"
@@ -66,8 +63,8 @@ bool TransferRetry::CopyIn(CVexaFileList& destination, const FileInfo& entry, co
             // A reset leaves the socket looking open: the link is gone all the same.
             linked->Disconnect(uint32_t(error));
         }
-        if (auto* shown = dynamic_cast<ICopyRetryProgress*>(progress))
-            shown->RetryFile(PXFormat(PXLoadCString(IDS_LINK_LOST_WAITING).c_str(), attempt, retries));
+        if (progress)
+            progress->RetryFile(PXFormat(PXLoadCString(IDS_LINK_LOST_WAITING).c_str(), attempt, retries));
         SensorWait waitHere = wait;
         waitHere.cancelled = [progress, outer = wait.cancelled] {
             return (progress && progress->IsCancelled()) || (outer && outer());

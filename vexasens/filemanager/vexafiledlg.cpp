@@ -570,9 +570,8 @@ void CVexaFileDlg::DropAt(const QPoint& globalPos) {
 // ---- sensor notifications ----
 
 void CVexaFileDlg::customEvent(QEvent* event) {
-    if (event->type() == static_cast<QEvent::Type>(CSensorNotifyEvent::kDefaultType)) {
-        const ISensorEvent& notification = static_cast<CSensorNotifyEvent*>(event)->SensorEvent();
-        OnSensorNotification(notification.code, notification.text);
+    if (const ISensorEvent* notification = CSensorNotifyEvent::From(event)) {
+        OnSensorNotification(notification->code, notification->text);
         return;
     }
     CDialog_::customEvent(event);

@@ -3,7 +3,6 @@
 
 #include "dialog.h"
 #include "explorerctrl.h"
-#include "linkresource.h"
 #include "paths.h"
 #include "pxformat.h"
 #include "remotename.h"

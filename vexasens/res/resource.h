@@ -87,6 +87,10 @@
 #define IDS_TUNE_PRINT_FAILED 10435
 #define IDS_TUNE_REPORT_PARTLY_UNREADABLE 10436
 
+// ---- string table: an instrument that dropped off the network ----
+#define IDS_LINK_LOST_WAITING 10440
+#define IDS_INSTRUMENT_AWAY 10441
+
 // ---- string table: the default-methods dialog's own texts ----
 #define IDS_DEFAULT_METHODS_TITLE 10450
 #define IDS_DEFAULT_METHODS_FOLDER_FAILED 10451

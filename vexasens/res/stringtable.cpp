@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "stringtable.h"
 
-#include "linkresource.h"
 #include "resource.h"
 
 namespace {

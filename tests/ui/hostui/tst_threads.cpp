@@ -28,9 +28,10 @@ public:
 
 protected:
     void customEvent(QEvent* event) override {
-        if (event->type() != CSensorNotifyEvent::kDefaultType)
+        const ISensorEvent* notification = CSensorNotifyEvent::From(event);
+        if (!notification)
             return;
-        received.push_back(static_cast<CSensorNotifyEvent*>(event)->SensorEvent());
+        received.push_back(*notification);
         threads.push_back(QThread::currentThread());
     }
 };

@@ -17,8 +17,6 @@
 #include <memory>
 #include <thread>
 
-#include <sys/socket.h>
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -395,7 +393,7 @@ TEST(LinkFileRead, ALinkThatFailsMidFileFailsTheRead) {
     ScriptedInstrument instrument([](const PeerFrame& frame, int socket) {
         if (frame.command() == 3) {
             Send(socket, DataFrame(frame.argument(), 0x8000, ToBytes("part")));
-            ::shutdown(socket, SHUT_RDWR);
+            LoopbackPeer::ShutdownBoth(socket);
         }
     });
     OnlineSensor sensor(instrument);

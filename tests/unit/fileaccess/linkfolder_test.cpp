@@ -14,8 +14,6 @@
 #include <memory>
 #include <thread>
 
-#include <sys/socket.h>
-
 namespace {
 
 constexpr auto Answer = ScriptedInstrument::Answering;
@@ -163,7 +161,7 @@ TEST(LinkListing, Failures) {
         SCOPED_TRACE("a link that fails mid-listing keeps the entries so far");
         Linked linked([](const PeerFrame& frame, int socket) {
             Send(socket, DataFrame(frame.argument(), 0x8100, Record("a", 1, 0, 0, 0, 0)));
-            ::shutdown(socket, SHUT_RDWR);
+            LoopbackPeer::ShutdownBoth(socket);
         });
         std::vector<FileInfo> entries;
         EXPECT_TRUE(linked.impl->ReadSensorDir(L"/data", entries, L"", 0));
@@ -301,7 +299,7 @@ TEST(LinkFolderCommands, AnAnswerCutByTheLinkFailsWithTheLinksError) {
         std::vector<uint8_t> half = ReplyFrame(frame.argument(), 0);
         half.resize(20);
         Send(socket, half);
-        ::shutdown(socket, SHUT_RDWR);
+        LoopbackPeer::ShutdownBoth(socket);
     };
     const std::function<bool(VXSFileInfoImpl&)> operations[] = {
         [](VXSFileInfoImpl& impl) {
