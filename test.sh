@@ -44,7 +44,7 @@ case ${1:-} in
     cmake --build build -j"$(nproc)" --target vexa-sim cli_link_commands_test cli_backup_test \
         fileaccess_cli_test fileaccess_cli_ftp_test status_integration
     vexa_build_windows build-windows build
-    ctest --test-dir build-windows --output-on-failure -j"${VEXA_TEST_JOBS:-2}" "$@"
+    ctest --test-dir build-windows --output-on-failure "${VEXA_CTEST_RETRY[@]}" -j"${VEXA_TEST_JOBS:-2}" "$@"
     ;;
 *)
     # shellcheck disable=SC2046

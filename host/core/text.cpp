@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "text.h"
 
-#include <algorithm>
-#include <cwctype>
+#include "lowercase.h"
 
-#ifndef _WIN32
-#include <clocale>
-#include <locale.h>
-#include <wctype.h>
-#endif
+#include <algorithm>
 
 namespace {
 
@@ -151,18 +146,7 @@ wchar_t ToLowerChar(wchar_t c) {
     // Most names are ASCII; the table look-up of towlower costs a folder listing's sort a sixth of its time.
     if (c < 0x80)
         return c >= L'A' && c <= L'Z' ? wchar_t(c + (L'a' - L'A')) : c;
-#ifndef _WIN32
-    // Made once; a missing UTF-8 locale leaves the process locale's towlower.
-    static const locale_t utf8 = [] {
-        locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
-        if (made == static_cast<locale_t>(0))
-            made = newlocale(LC_CTYPE_MASK, "en_US.UTF-8", static_cast<locale_t>(0));
-        return made;
-    }();
-    if (utf8 != static_cast<locale_t>(0))
-        return static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), utf8));
-#endif
-    return static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+    return LowerNonAscii(c);
 }
 
 std::wstring ToLowerW(std::wstring_view text) {

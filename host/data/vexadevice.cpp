@@ -6,15 +6,9 @@
 #include "winsockerror.h"
 
 #include <charconv>
-#include <clocale>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
-
-#ifndef _WIN32
-#include <locale.h>
-#endif
 
 namespace {
 
@@ -35,23 +29,35 @@ bool ParseInt(std::string_view text, int* value) {
     return true;
 }
 
-// Any form strtod reads ("0.0025", "1e+30", "nan", "inf", hexadecimal), always with the C locale's
-// decimal point whatever the program's locale is.
+// Any form strtod reads ("0.0025", "1e+30", "nan", "inf", hexadecimal "0x1p-2", a leading sign),
+// always with a decimal point: from_chars depends on no locale and reads the same on every platform
+// (the Windows runtime's strtod knows neither "inf" nor "nan"). A value beyond double's range reads as
+// strtod gives it: infinity, or zero for one too small.
 bool ParseDouble(std::string_view text, double* value) {
-    std::string copy(TrimBlanks(text));
-    if (copy.empty())
+    std::string_view body = TrimBlanks(text);
+    const bool negative = !body.empty() && body.front() == '-';
+    if (!body.empty() && (body.front() == '-' || body.front() == '+'))
+        body.remove_prefix(1);
+    std::chars_format format = std::chars_format::general;
+    if (body.size() > 2 && body[0] == '0' && (body[1] == 'x' || body[1] == 'X')) {
+        body.remove_prefix(2);
+        format = std::chars_format::hex;
+    }
+    if (body.empty() || body.front() == '-' || body.front() == '+')
         return false;
-    char* end = nullptr;
-#ifdef _WIN32
-    static _locale_t cLocale = _create_locale(LC_NUMERIC, "C");
-    double parsed = _strtod_l(copy.c_str(), &end, cLocale);
-#else
-    static locale_t cLocale = newlocale(LC_NUMERIC_MASK, "C", locale_t(0));
-    double parsed = strtod_l(copy.c_str(), &end, cLocale);
-#endif
-    if (end != copy.c_str() + copy.size())
+    double parsed = 0;
+    const auto [end, ec] = std::from_chars(body.data(), body.data() + body.size(), parsed, format);
+    if (end != body.data() + body.size())
         return false;
-    *value = parsed;
+    if (ec == std::errc::result_out_of_range) {
+        const size_t exponent = body.find_first_of(format == std::chars_format::hex ? "pP" : "eE");
+        const bool tooSmall =
+            exponent != std::string_view::npos && exponent + 1 < body.size() && body[exponent + 1] == '-';
+        parsed = tooSmall ? 0.0 : HUGE_VAL;
+    } else if (ec != std::errc()) {
+        return false;
+    }
+    *value = negative ? -parsed : parsed;
     return true;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "peersocket.h"
 
-#include <windows.h>
 #include <winsock2.h>
 #include <ws2tcpip.h>
 

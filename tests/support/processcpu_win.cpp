@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "processcpu.h"
 
+#include <cstdint>
+
 #include <windows.h>
 
 double ProcessCpuSeconds() {

@@ -23,9 +23,7 @@
 #include <iostream>
 #include <optional>
 
-#ifndef _WIN32
 #include <unistd.h>
-#endif
 
 namespace {
 
@@ -64,9 +62,7 @@ private:
 class PercentLine {
 public:
     explicit PercentLine(const CliContext& ctx) {
-#ifndef _WIN32
         m_enabled = !ctx.options.quiet && !ctx.options.json && isatty(STDERR_FILENO) != 0;
-#endif
     }
     ~PercentLine() {
         if (m_shown >= 0)

@@ -21,9 +21,7 @@
 #include <iostream>
 #include <optional>
 
-#ifndef _WIN32
 #include <unistd.h>
-#endif
 
 namespace {
 
@@ -55,9 +53,7 @@ private:
 class RunBar {
 public:
     explicit RunBar(const CliContext& ctx) {
-#ifndef _WIN32
         m_enabled = !ctx.options.quiet && !ctx.options.json && isatty(STDERR_FILENO) != 0;
-#endif
     }
     ~RunBar() {
         if (m_drawn)
