@@ -7,11 +7,12 @@
 #include "text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cwchar>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <random>
+#include <system_error>
 
 namespace {
 
@@ -197,20 +198,24 @@ bool DefaultMethodModules::WriteFactoryBytes(const ModuleMethod& method, const s
     const auto* bytes =
         static_cast<const char*>(resmod::LockResource(resmod::LoadResource(module.get(), resource)));
     // Written under a temporary name and then moved over the old file, so a full disk never leaves a
-    // half-written method behind.
+    // half-written method behind. Wide paths and filesystem::rename, which replaces an existing file on
+    // Windows too (the C library's rename does not there).
     const std::wstring temporary = TemporaryName(m_methodFolder, method.name);
+    std::error_code ignored;
     {
-        std::ofstream out(NativePath(temporary), std::ios::binary | std::ios::trunc);
+        std::ofstream out(ToFsPath(temporary), std::ios::binary | std::ios::trunc);
         out.write(bytes, std::streamsize(size));
         out.close();
         if (!out) {
-            std::remove(NativePath(temporary).c_str());
+            std::filesystem::remove(ToFsPath(temporary), ignored);
             *problem = path + L": cannot be written";
             return false;
         }
     }
-    if (std::rename(NativePath(temporary).c_str(), NativePath(path).c_str()) != 0) {
-        std::remove(NativePath(temporary).c_str());
+    std::error_code error;
+    std::filesystem::rename(ToFsPath(temporary), ToFsPath(path), error);
+    if (error) {
+        std::filesystem::remove(ToFsPath(temporary), ignored);
         *problem = path + L": cannot be replaced";
         return false;
     }
@@ -224,7 +229,8 @@ std::vector<DefaultMethodRestoreRow> DefaultMethodModules::CompareWithFactory() 
         std::wstring problem;
         const bool written = WriteFactoryBytes(method, factory, &problem);
         const bool equal = written && m_areEqual(factory, Join(m_methodFolder, method.name));
-        std::remove(NativePath(factory).c_str());
+        std::error_code ignored;
+        std::filesystem::remove(ToFsPath(factory), ignored);
         rows.push_back(DefaultMethodRestoreRow{method.name, !equal});
     }
     return rows;
