@@ -44,6 +44,8 @@ case ${1:-} in
     cmake --build build -j"$(nproc)" --target vexa-sim cli_link_commands_test cli_backup_test \
         fileaccess_cli_test fileaccess_cli_ftp_test status_integration
     vexa_build_windows build-windows build
+    # Wine makes its prefix on the first start: once here, not by two tests at once.
+    build-windows/run-wine.sh build-windows/bin/vexa.exe --version >/dev/null
     ctest --test-dir build-windows --output-on-failure "${VEXA_CTEST_RETRY[@]}" -j"${VEXA_TEST_JOBS:-2}" "$@"
     ;;
 *)
