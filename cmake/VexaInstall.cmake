@@ -42,6 +42,9 @@ if(WIN32)
     set(CPACK_GENERATOR ZIP)
     set(CPACK_PACKAGE_FILE_NAME vexa-${PROJECT_VERSION}-windows-x64)
     set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
+    # The build keeps its debugging information (100 MB and more for the static vexa.exe); the
+    # package does not.
+    set(CPACK_STRIP_FILES ON)
 else()
     install(TARGETS vexa vexa-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     if(TARGET vexa-studio)
