@@ -140,7 +140,8 @@ bool ParseLines(std::string_view block, std::map<std::wstring, std::wstring>* pa
         const size_t end = block.find('\n');
         std::string_view line = block.substr(0, end);
         block = end == std::string_view::npos ? std::string_view() : block.substr(end + 1);
-        if (!line.empty() && line.back() == '\r')
+        // "\r\n" line ends, and stray carriage returns before the end, belong to no value.
+        while (!line.empty() && line.back() == '\r')
             line.remove_suffix(1);
         if (line.empty())
             continue;
@@ -212,6 +213,16 @@ bool ReadScans(std::string_view bytes, const Layout& layout, VexaRun* run, std::
     return true;
 }
 
+// One line per parameter. What would end the line, or split a key, is written as a blank, and a key
+// that would be empty is left out: the block always reads back, and reads back the same again.
+std::string OneLine(const std::wstring& text, bool isKey) {
+    std::string line = ToUtf8(text);
+    for (char& c : line)
+        if (c == '\n' || c == '\r' || (isKey && c == '='))
+            c = ' ';
+    return line;
+}
+
 } // namespace
 
 bool LooksLikeDataFile(std::string_view bytes) {
@@ -230,7 +241,8 @@ bool ReadParameters(std::string_view bytes, std::map<std::wstring, std::wstring>
 std::string MakeParameterBlock(const std::map<std::wstring, std::wstring>& parameters) {
     std::string lines;
     for (const auto& [key, value] : parameters)
-        lines += ToUtf8(key) + "=" + ToUtf8(value) + "\n";
+        if (!key.empty())
+            lines += OneLine(key, true) + "=" + OneLine(value, false) + "\n";
     std::string block(kParameterMagic, 4);
     AppendLe32(&block, static_cast<uint32_t>(lines.size()));
     return block + lines;

@@ -69,6 +69,36 @@ TEST(VexaDataFileTest, RoundTripsPlainAndCompressed) {
     }
 }
 
+// Parameters that a line cannot hold as they are: the file still reads, and a second write of what was
+// read is the first one, byte for byte.
+TEST(VexaDataFileTest, ParametersThatALineCannotHoldReadBackAndStayPut) {
+    VexaRun run = TinyRun();
+    run.SetParameters(
+        {{L"SAMPLE", L"two\nlines\r\n"}, {L"KEY=ODD", L"x"}, {L"", L"no key"}, {L"CR", L"a\rb\r\r"}});
+    const std::string first = VexaDataFile::MakeFile(run);
+    VexaRun again;
+    std::string reason;
+    ASSERT_TRUE(VexaDataFile::ReadRun(first, &again, &reason)) << reason;
+    EXPECT_EQ(again.Parameter(L"SAMPLE"), L"two lines  ");
+    EXPECT_EQ(again.Parameter(L"KEY ODD"), L"x");
+    EXPECT_EQ(again.Parameter(L"CR"), L"a b  ");
+    EXPECT_EQ(again.Parameters().size(), 3u);
+    EXPECT_EQ(VexaDataFile::MakeFile(again), first);
+
+    // Written elsewhere: carriage returns before a line's end are no part of its value.
+    std::string bytes = VexaDataFile::MakeFile(TinyRun());
+    const size_t block = bytes.find("PARM");
+    ASSERT_NE(block, std::string::npos);
+    bytes.resize(block);
+    const std::string lines = "SENSOR=/Method/Default.mth\r\r\r";
+    bytes += "PARM";
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += char((lines.size() >> shift) & 0xFF);
+    bytes += lines;
+    ASSERT_TRUE(VexaDataFile::ReadRun(bytes, &again, &reason)) << reason;
+    EXPECT_EQ(again.Parameter(L"SENSOR"), L"/Method/Default.mth");
+}
+
 TEST(VexaDataFileTest, VersionOneKeepsCountAndParametersWithoutScans) {
     VexaRun old;
     old.SetVersion(1);
