@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "registry.h"
 
+#include "paths.h"
 #include "registrystore.h"
 #include "text.h"
 
@@ -130,7 +131,8 @@ void CPXRegistry::LoadLocked() {
         LoadPlatformSettings(m_sections);
         return;
     }
-    std::ifstream in(m_path, std::ios::binary);
+    // The path is UTF-8: taken as a wide path, so a profile folder beyond ASCII works on Windows too.
+    std::ifstream in(ToFsPath(FromUtf8(m_path)), std::ios::binary);
     if (!in)
         return;
     std::string line;
@@ -172,11 +174,12 @@ bool CPXRegistry::SaveLocked() const {
             text << key << '=' << (NeedsQuotes(value) ? Quote(value) : value) << '\n';
     }
     std::error_code ec;
-    const std::filesystem::path target(m_path);
+    const std::filesystem::path target = ToFsPath(FromUtf8(m_path));
     if (target.has_parent_path())
         std::filesystem::create_directories(target.parent_path(), ec);
     const long pid = CurrentProcessId();
-    const std::string temp = m_path + ".tmp." + std::to_string(pid) + "." + std::to_string(++g_tempCounter);
+    const std::filesystem::path temp =
+        ToFsPath(FromUtf8(m_path + ".tmp." + std::to_string(pid) + "." + std::to_string(++g_tempCounter)));
     {
         std::ofstream out(temp, std::ios::binary | std::ios::trunc);
         if (!out)

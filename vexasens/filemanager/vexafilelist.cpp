@@ -13,12 +13,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <filesystem>
 #include <mutex>
 #include <string_view>
 #include <vector>
-
-#include <sys/stat.h>
-#include <utime.h>
 
 namespace {
 
@@ -236,21 +235,22 @@ bool CVexaFileList::DeleteFile(const std::wstring& name) {
 
 void CVexaFileList::CopyTimes(const FileInfo& entry, const CVexaFileList& source,
                               const std::wstring& finalName) {
-    const std::string target = NativePath(finalName);
+    // The modification time, through wide paths so a name beyond ASCII is found on Windows too.
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path target = ToFsPath(finalName);
     if (!source.IsRemote()) {
-        struct stat info {};
-        if (::stat(NativePath(source.FullName(entry)).c_str(), &info) != 0)
-            return;
-        utimbuf times{info.st_atime, info.st_mtime};
-        ::utime(target.c_str(), &times);
+        const fs::file_time_type modified = fs::last_write_time(ToFsPath(source.FullName(entry)), error);
+        if (!error)
+            fs::last_write_time(target, modified, error);
         return;
     }
-    // An instrument file has no local stat: its listed times stand in.
+    // An instrument file has no local time stamp: its listed one (microseconds) stands in.
     if (entry.times[2] == 0)
         return;
-    const int64_t access = entry.times[1] != 0 ? entry.times[1] : entry.times[2];
-    utimbuf times{time_t(access / 1000000), time_t(entry.times[2] / 1000000)};
-    ::utime(target.c_str(), &times);
+    const std::chrono::sys_time<std::chrono::microseconds> modified{
+        std::chrono::microseconds(entry.times[2])};
+    fs::last_write_time(target, std::chrono::file_clock::from_sys(modified), error);
 }
 
 bool CVexaFileList::CopyIn(const FileInfo& entry, const CVexaFileList& source, ICopyProgress* progress,
